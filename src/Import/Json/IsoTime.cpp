@@ -1,45 +1,40 @@
 #include "Import/Json/IsoTime.h"
 
+#include "Import/Json/JsonScanner.h"
+
 #include <algorithm>
 #include <chrono>
-#include <optional>
 
 namespace {
 
-// Removes a number of `digits` digits from the start. Returns nothing if there is none, or it is more than `most`.
-template <std::size_t digits>
-std::optional<unsigned> takeNumber(std::string_view& text, unsigned most)
+// Returns the number that two digits write.
+unsigned numberAt(std::string_view text, std::size_t at)
 {
-    if (text.size() < digits)
-        return std::nullopt;
-    unsigned number = 0;
-    for (std::size_t i = 0; i < digits; ++i) {
-        const unsigned digit = static_cast<unsigned char>(text[i]) - unsigned{'0'};
-        if (digit > 9)
-            return std::nullopt;
-        number = number * 10 + digit;
-    }
-    if (number > most)
-        return std::nullopt;
-    text.remove_prefix(digits);
-    return number;
+    return static_cast<unsigned>(text[at] - '0') * 10 + static_cast<unsigned>(text[at + 1] - '0');
 }
 
-bool takeMark(std::string_view& text, char mark)
+// Removes text of the form of `pattern` from the start, in which 0 stands for any digit. Returns false if there is
+// none, or if the two digits at its end are more than `most`.
+bool take(std::string_view& text, std::string_view pattern, unsigned most = 99)
 {
-    if (!text.starts_with(mark))
+    if (text.size() < pattern.size())
         return false;
-    text.remove_prefix(1);
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+        if (pattern[i] == '0' ? !isDigit(text[i]) : text[i] != pattern[i])
+            return false;
+    if (most < 99 && numberAt(text, pattern.size() - 2) > most)
+        return false;
+    text.remove_prefix(pattern.size());
     return true;
 }
 
 bool takeDate(std::string_view& text)
 {
-    const auto year = takeNumber<4>(text, 9999);
-    const auto month = takeMark(text, '-') ? takeNumber<2>(text, 12) : std::nullopt;
-    const auto day = takeMark(text, '-') ? takeNumber<2>(text, 31) : std::nullopt;
-    return year && month && day &&
-           (std::chrono::year(static_cast<int>(*year)) / std::chrono::month(*month) / std::chrono::day(*day)).ok();
+    using namespace std::chrono;
+    const std::string_view date = text;
+    return take(text, "0000-00-00") && (year(static_cast<int>(numberAt(date, 0) * 100 + numberAt(date, 2))) /
+                                        month(numberAt(date, 5)) / day(numberAt(date, 8)))
+                                           .ok();
 }
 
 // Takes a time with its fraction and offset. Seconds are optional in ISO 8601. Minutes of the offset are, too, because
@@ -47,23 +42,22 @@ bool takeDate(std::string_view& text)
 bool takeTime(std::string_view& text)
 {
     const bool isMidnight = text.starts_with("24:00"); // the end of a day
-    if (!takeNumber<2>(text, isMidnight ? 24 : 23) || !takeMark(text, ':') || !takeNumber<2>(text, 59))
+    if (!take(text, "00", isMidnight ? 24 : 23) || !take(text, ":00", 59))
         return false;
     // 60 is a leap second.
-    if (takeMark(text, ':') && !takeNumber<2>(text, 60))
+    if (text.starts_with(':') && !take(text, ":00", 60))
         return false;
-    if (takeMark(text, '.') || takeMark(text, ',')) {
+    if (take(text, ".") || take(text, ",")) {
         const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
         if (end == 0)
             return false;
         text.remove_prefix(end);
     }
-    if (takeMark(text, 'Z') || takeMark(text, 'z') || text.empty())
+    if (text.empty() || take(text, "Z") || take(text, "z"))
         return true;
-    if ((!takeMark(text, '+') && !takeMark(text, '-')) || !takeNumber<2>(text, 23))
+    if (!take(text, "+00", 23) && !take(text, "-00", 23))
         return false;
-    const bool hasMinutes = takeMark(text, ':') || !text.empty();
-    return !hasMinutes || takeNumber<2>(text, 59);
+    return text.empty() || take(text, ":00", 59) || take(text, "00", 59);
 }
 
 } // namespace
@@ -72,12 +66,11 @@ bool isIsoTime(std::string_view text)
 {
     // "12:34" is the shortest. The longest allows for a fraction of many digits.
     constexpr std::size_t shortest = 5, longest = 40;
-    if (text.size() < shortest || text.size() > longest || text[0] < '0' || text[0] > '9')
+    if (text.size() < shortest || text.size() > longest || !isDigit(text[0]))
         return false;
     if (text[2] == ':')
         return takeTime(text) && text.empty();
     if (!takeDate(text))
         return false;
-    return text.empty() ||
-           ((takeMark(text, 'T') || takeMark(text, 't') || takeMark(text, ' ')) && takeTime(text) && text.empty());
+    return text.empty() || ((take(text, "T") || take(text, "t") || take(text, " ")) && takeTime(text) && text.empty());
 }
