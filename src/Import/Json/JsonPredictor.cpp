@@ -92,35 +92,10 @@ private:
         return true;
     }
 
-    bool skipDigits()
-    {
-        const std::size_t begin = at;
-        while (isDigit(peek()))
-            ++at;
-        return at > begin;
-    }
-
+    // A number at the end of the text may go on after it.
     bool skipNumber()
     {
-        if (peek() == '-')
-            ++at;
-        if (peek() == '0')
-            ++at;
-        else if (!skipDigits())
-            return false;
-        if (peek() == '.') {
-            ++at;
-            if (!skipDigits())
-                return false;
-        }
-        if (peek() == 'e' || peek() == 'E') {
-            ++at;
-            if (peek() == '+' || peek() == '-')
-                ++at;
-            if (!skipDigits())
-                return false;
-        }
-        return at < text.size();
+        return takeNumber([this] { return peek(); }, [this] { ++at; }) && at < text.size();
     }
 
     bool skipString(std::uint8_t kinds)

@@ -308,38 +308,16 @@ std::uint32_t JsonScanner::scanHex()
     return code;
 }
 
-// Checks the syntax of a number. Its value is not computed, so it may be larger than any type can hold.
+// Checks the syntax of a number, which begins at `kept`.
 void JsonScanner::scanNumber()
 {
-    if (peek() == '-')
-        ++at;
+    if (takeNumber([this] { return peek(); }, [this] { ++at; }))
+        return;
+    if (const std::string_view before = data.substr(kept, at - kept); !before.empty() && before != "-")
+        fail("a digit is expected");
     if (isAtEnd())
         fail("the text ends too early");
-    if (!isDigit(peek()))
-        // The byte order mark of UTF-16 begins with such a byte. Such a text looks like JSON in an editor, so the error
-        // names the encoding.
-        fail(static_cast<unsigned char>(peek()) < 0x80 ? "a value is expected" : "a value is expected, in UTF-8");
-    // A zero at the start is the whole integer part (RFC 8259, 6).
-    if (peek() == '0')
-        ++at;
-    else
-        scanDigits();
-    if (peek() == '.') {
-        ++at;
-        scanDigits();
-    }
-    if (lowerAscii(peek()) == 'e') {
-        ++at;
-        if (peek() == '+' || peek() == '-')
-            ++at;
-        scanDigits();
-    }
-}
-
-void JsonScanner::scanDigits()
-{
-    if (!isDigit(peek()))
-        fail("a digit is expected");
-    while (isDigit(peek()))
-        ++at;
+    // The byte order mark of UTF-16 begins with such a byte. Such a text looks like JSON in an editor, so the error
+    // names the encoding.
+    fail(static_cast<unsigned char>(peek()) < 0x80 ? "a value is expected" : "a value is expected, in UTF-8");
 }

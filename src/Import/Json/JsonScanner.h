@@ -31,6 +31,39 @@ inline bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
+/// Moves a cursor behind the number of JSON that it is at (RFC 8259, 6). `peek` returns the character at the cursor,
+/// `\0` at the end; `advance` moves it by one. Returns false at the first wrong character. The value is not computed,
+/// so it may be larger than any type can hold.
+template <typename Peek, typename Advance>
+bool takeNumber(const Peek& peek, const Advance& advance)
+{
+    const auto takeDigits = [&] {
+        if (!isDigit(peek()))
+            return false;
+        while (isDigit(peek()))
+            advance();
+        return true;
+    };
+    if (peek() == '-')
+        advance();
+    // A zero at the start is the whole integer part.
+    if (peek() == '0')
+        advance();
+    else if (!takeDigits())
+        return false;
+    if (peek() == '.') {
+        advance();
+        if (!takeDigits())
+            return false;
+    }
+    if (peek() != 'e' && peek() != 'E')
+        return true;
+    advance();
+    if (peek() == '+' || peek() == '-')
+        advance();
+    return takeDigits();
+}
+
 /// Scans JSON (RFC 8259) token by token, without recursion. Numbers, strings and keys may have any length. Throws the
 /// first fault as a JsonFault. docs/adr/json-scanner.md explains why no library is used.
 class JsonScanner
@@ -118,7 +151,6 @@ private:
     void scanEscape();
     std::uint32_t scanHex();
     void scanNumber();
-    void scanDigits();
     void skipSpace();
     void skipComment();
     void beginLine() // after the line feed at the cursor
