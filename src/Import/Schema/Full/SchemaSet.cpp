@@ -54,7 +54,7 @@ void SchemaSet::followAll(std::uint32_t document)
     while (!waiting.empty()) {
         Following& top = waiting.back();
         if (top.redefine != 0) { // its document, with all that it refers to, has been read
-            redefine(top.redefine);
+            redefine(top);
             top.redefine = 0;
         }
         const Index reference = tree.firstOf(top.reference, SchemaTag::include, SchemaTag::import, SchemaTag::redefine);
@@ -64,6 +64,7 @@ void SchemaSet::followAll(std::uint32_t document)
         }
         top.reference = tree[reference].next;
         top.redefine = tree[reference].tag == SchemaTag::redefine ? reference : 0;
+        top.firstRead = static_cast<std::uint32_t>(tree.documents.size());
         follow(reference, waiting); // may move `top`
     }
 }
@@ -194,7 +195,7 @@ void SchemaSet::declareAll(std::uint32_t document, std::vector<Following>& waiti
         if (tree[at].tag == SchemaTag::element && tree[at].list != 0)
             substitutes.push_back(at);
     }
-    waiting.push_back({document, first, 0});
+    waiting.push_back({document, first, 0, 0});
 }
 
 // Adds a component to the symbol table. A second declaration of a name is reported, unless it is an equal one in
@@ -215,17 +216,25 @@ void SchemaSet::declare(Index component, bool redefines)
 
 // Declares the components of a redefine or override. Those of an override replace the ones of its document and of the
 // documents that this one includes or overrides (XML Schema 1.1 Part 1, 4.2.5); if it is missing, they are added.
-void SchemaSet::redefine(Index reference)
+// Most of these documents are read for it; the others are only searched for if a component is in one read before.
+void SchemaSet::redefine(const Following& redefinition)
 {
-    const auto target = documentsByReference.find(reference);
-    const bool overrides = tree[reference].is(SchemaNode::isOverride) && target != documentsByReference.end();
+    const SchemaNode& reference = tree[redefinition.redefine];
+    const auto target = documentsByReference.find(redefinition.redefine);
+    const bool overrides = reference.is(SchemaNode::isOverride) && target != documentsByReference.end();
     std::vector<std::uint32_t> documents;
-    if (overrides)
-        documents = includedDocuments(target->second);
-    std::ranges::sort(documents);
-    for (Index at = tree[reference].firstChild; at != 0; at = tree[at].next) {
+    const auto isTarget = [&](Index at) {
+        if (tree[at].document >= redefinition.firstRead)
+            return true;
+        if (documents.empty()) {
+            documents = includedDocuments(target->second);
+            std::ranges::sort(documents);
+        }
+        return std::ranges::binary_search(documents, tree[at].document);
+    };
+    for (Index at = reference.firstChild; at != 0; at = tree[at].next) {
         if (overrides)
-            overrideIn(documents, at);
+            overrideIf(isTarget, at);
         else
             declare(at, true);
         if (tree[at].tag == SchemaTag::element && tree[at].list != 0)
@@ -233,15 +242,14 @@ void SchemaSet::redefine(Index reference)
     }
 }
 
-// Replaces the component of that kind and name. If there is none, the override has no effect. It has none either, which
-// is a loss, if another override has replaced the component.
-void SchemaSet::overrideIn(const std::vector<std::uint32_t>& documents, Index component)
+// Replaces the component of that kind and name in a target. If there is none, the override has no effect. It has none
+// either, which is a loss, if another override has replaced the component.
+void SchemaSet::overrideIf(const std::function<bool(Index)>& isTarget, Index component)
 {
     const auto kind = kindOf(tree[component].tag);
     if (!kind || !tree[component].hasName())
         return;
     const std::uint64_t key = nameOf(component).key();
-    const auto isTarget = [&](Index at) { return std::ranges::binary_search(documents, tree[at].document); };
     const Index* const found = symbols[*kind].find(key);
     if (found && isTarget(*found)) {
         overridden[component] = std::exchange(symbols[*kind].insert(key, component).first, component);

@@ -8,6 +8,7 @@
 #include "Import/Schema/Full/WsdlReader.h"
 
 #include <array>
+#include <functional>
 #include <map>
 #include <set>
 #include <span>
@@ -170,8 +171,9 @@ private:
     struct Following
     {
         std::uint32_t document;
-        Index reference; // the next reference
-        Index redefine;  // the reference whose document is being read, if it is a redefine
+        Index reference;         // the next reference
+        Index redefine;          // the reference whose document is being read, if it is a redefine
+        std::uint32_t firstRead; // the first document that is read for it
     };
 
     // A file that was given, or that a WSDL refers to.
@@ -220,8 +222,8 @@ private:
     std::uint32_t copy(std::uint32_t document, NameTable::Id space);
     void declareAll(std::uint32_t document, std::vector<Following>& waiting);
     void declare(Index component, bool redefines);
-    void redefine(Index reference);
-    void overrideIn(const std::vector<std::uint32_t>& documents, Index component);
+    void redefine(const Following& redefinition);
+    void overrideIf(const std::function<bool(Index)>& isTarget, Index component);
     template <class Visit>
     void visitLoaded(std::uint32_t begin, Visit visit) const;
     void endLoad(std::uint32_t begin, Symbols shared);

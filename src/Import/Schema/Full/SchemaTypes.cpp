@@ -72,9 +72,7 @@ SourceTypes::Index SchemaTypes::choiceOf(const Declared& type, Index declaration
 {
     const unsigned blocked = tree[declaration].flags & (SchemaNode::blocksExtension | SchemaNode::blocksRestriction);
     const unsigned all = blocked | tree[type.complexType].flags;
-    const bool isReplaceable =
-        type.complexType != 0 && std::ranges::any_of(derivedFrom(type.complexType),
-                                                     [&](Index derived) { return (tree.blockOf(derived) & all) == 0; });
+    const bool isReplaceable = type.complexType != 0 && (derivedFrom(type.complexType).ways & ~all) != 0;
     const bool isAbstract = tree[type.complexType].is(SchemaNode::isAbstract);
     const bool hasAlternatives = tree.childOf(declaration, SchemaTag::alternative) != 0;
     if (isReplaceable && !isAbstract)
@@ -125,12 +123,12 @@ void SchemaTypes::readDerived(SourceTypes::Index choice, Index base)
     std::vector<Index> bases{base};
     std::unordered_set<Index> met{base};
     for (std::size_t i = 0; i < bases.size(); ++i)
-        for (const Index type : derivedFrom(bases[i])) {
+        for (const Index type : derivedFrom(bases[i]).types) {
+            contents.spendStep();
             if ((tree.blockOf(type) & blocked) != 0 || !met.insert(type).second)
                 continue;
             bases.push_back(type);
             set.reach(type);
-            contents.spendStep();
             // A message can't choose an abstract type, nor a redefined one, whose redefinition has its name.
             if (tree[type].is(SchemaNode::isAbstract) ||
                 set.find(SchemaSet::type, set.nameOf(type), tree[type].parent) != type)
@@ -144,13 +142,13 @@ void SchemaTypes::readDerived(SourceTypes::Index choice, Index base)
         }
 }
 
-// Returns the named types derived from a type directly, in order of declaration. A message may choose them by xsi:type
+// Returns the types derived from a type. A message may choose them by xsi:type
 // (https://www.w3.org/TR/xmlschema-1/#xsi_type).
-const std::vector<SchemaTypes::Index>& SchemaTypes::derivedFrom(Index type)
+const SchemaTypes::Derived& SchemaTypes::derivedFrom(Index type)
 {
     if (!std::exchange(isDerivedCollected, true))
         collectDerived();
-    static const std::vector<Index> none;
+    static const Derived none;
     const auto found = derived.find(type);
     return found == derived.end() ? none : found->second;
 }
@@ -162,8 +160,11 @@ void SchemaTypes::collectDerived()
         const Index derivation = tree[type].tag == SchemaTag::complexType ? tree.derivationOf(type) : 0;
         const SchemaName base = tree.referenceOf(derivation);
         if (base.local != 0)
-            if (const Index found = set.find(SchemaSet::type, base, derivation); found != 0 && found != type)
-                derived[found].push_back(type);
+            if (const Index found = set.find(SchemaSet::type, base, derivation); found != 0 && found != type) {
+                Derived& all = derived[found];
+                all.types.push_back(type);
+                all.ways |= tree.blockOf(type);
+            }
     };
     for (const SchemaDocument& document : tree.documents)
         tree.visitTop(document, add);

@@ -51,6 +51,13 @@ private:
         SourceTypes::Index record;
     };
 
+    // The named types derived from a type directly, in order of declaration.
+    struct Derived
+    {
+        std::vector<Index> types;
+        unsigned ways = 0; // the flags that block them
+    };
+
     // A type with others that a message may choose instead.
     struct Choice
     {
@@ -70,7 +77,7 @@ private:
     void readChoice(SourceTypes::Index choice);
     void readAlternatives(SourceTypes::Index choice);
     void readDerived(SourceTypes::Index choice, Index base);
-    const std::vector<Index>& derivedFrom(Index type);
+    const Derived& derivedFrom(Index type);
     void collectDerived();
     const Declared& declared(Index declaration);
     bool resolve(Index declaration, Declared& out);
@@ -86,7 +93,7 @@ private:
     SourceTypes& types;
     SchemaSimpleTypes simple;
     SchemaContents contents;
-    std::unordered_map<Index, std::vector<Index>> derived; // by base type
+    std::unordered_map<Index, Derived> derived; // by base type
     bool isDerivedCollected = false;
     std::unordered_map<Index, SourceTypes::Index> messageNumbers; // number of the message by element
     std::vector<Choice> choices;
