@@ -148,8 +148,13 @@ void Element::link(Element* child, bool isNew)
 
 void Element::toTable(Element* oldChild, Element* table)
 {
+    replaceChild(oldChild, table, 0);
+}
+
+void Element::replaceChild(Element* child, Element* table, std::size_t likely)
+{
     isLinkedManually = true;
-    children.replace(oldChild, table, names().memory);
+    children.replace(child, table, likely, names().memory);
 }
 
 // Gives a primitive element the known type of its kind, so that a table can name it as its component.

@@ -131,6 +131,7 @@ private:
     const Name& baseName() const { return more && more->baseName ? *more->baseName : *name; }
     Rare& rare() const; // created on first use
     int appendChild(Element* child);
+    void replaceChild(Element* child, Element* table, std::size_t likely);
     void link(Element* child, bool isNew); // in both directions; a new child has no links yet
     int isPrimitive() const { return type == typeString || type == typeNumber || type == typeDate; }
     void setPrimitiveType();

@@ -46,11 +46,14 @@ void ElementList::reserve(std::uint32_t size, std::pmr::memory_resource& memory)
         moveTo(size, false, memory);
 }
 
-void ElementList::replace(Element* old, Element* replacement, std::pmr::memory_resource& memory)
+void ElementList::replace(Element* old, Element* replacement, std::size_t likely, std::pmr::memory_resource& memory)
 {
-    if (!isIndexed && count > kWalkedToReplace)
-        moveTo(capacity, true, memory);
-    const std::uint32_t position = positionOf(old);
+    auto position = static_cast<std::uint32_t>(likely);
+    if (likely >= count || (*this)[likely] != old) {
+        if (!isIndexed && count > kWalkedToReplace)
+            moveTo(capacity, true, memory);
+        position = positionOf(old);
+    }
     if (position == kNone)
         return;
     (capacity == 0 ? single : items[position]) = replacement;

@@ -21,8 +21,8 @@ public:
     void reserve(std::uint32_t size, std::pmr::memory_resource& memory);
 
     /// Puts `replacement` in the place of `old`, with room for an index from `memory`. Does nothing if `old` is not
-    /// listed.
-    void replace(Element* old, Element* replacement, std::pmr::memory_resource& memory);
+    /// listed. Looks at the position `likely` first; only elsewhere `old` must be searched for.
+    void replace(Element* old, Element* replacement, std::size_t likely, std::pmr::memory_resource& memory);
 
     std::size_t size() const { return count; }
     Element* operator[](std::size_t at) const { return begin()[at]; }

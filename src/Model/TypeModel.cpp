@@ -140,8 +140,12 @@ void TypeModel::place(const Element& element)
 void TypeModel::makeTables()
 {
     CString tableName;
+    const Element* parent = nullptr;
+    std::size_t position = 0; // of the usage in its parent, if the fields of a parent are declared one after the other
     for (ChildElement& usage : usages.query()) {
         cancelPoint.pass();
+        position = usage.parent == parent ? position + 1 : 0;
+        parent = usage.parent;
         if (usage.instances <= 1 || usage.element->isAttribute)
             continue;
         Element* element = usage.element;
@@ -152,9 +156,9 @@ void TypeModel::makeTables()
         Name& name = names.intern(tableName);
         Element* table = name.element;
         if (!table)
-            table = makeTable(usage, name);
+            table = makeTable(usage, name, position);
         else if (tablesInAllParents && usage.parent && table->type == Element::typeTable)
-            usage.parent->toTable(element, table);
+            usage.parent->replaceChild(element, table, position);
         // A climb from the component then places its table first. The usage becomes one of the table, so that another
         // arrange() leaves it alone.
         element->addParent(table);
@@ -163,8 +167,9 @@ void TypeModel::makeTables()
     }
 }
 
-// Makes the table of a usage, in the folder of its element and with its known type.
-Element* TypeModel::makeTable(ChildElement& usage, Name& tableName)
+// Makes the table of a usage, in the folder of its element and with its known type. `position` is the likely one of the
+// element in its parent.
+Element* TypeModel::makeTable(ChildElement& usage, Name& tableName, std::size_t position)
 {
     Element* const table = make(*usage.element, *usage.element->path, *usage.element->name);
     table->setName(tableName);
@@ -174,6 +179,6 @@ Element* TypeModel::makeTable(ChildElement& usage, Name& tableName)
     table->addParent(usage.parent);
     store(table);
     if (usage.parent)
-        usage.parent->toTable(usage.element, table);
+        usage.parent->replaceChild(usage.element, table, position);
     return table;
 }

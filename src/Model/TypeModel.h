@@ -98,7 +98,7 @@ private:
     Declared findOrMake(Name& path, Name& name, Element::ElementTypes type);
     Declared count(UsageTable::Declared usage, const Declared& element, Element* parent);
     Name& pathNamed(const CString& path);
-    Element* makeTable(ChildElement& usage, Name& tableName);
+    Element* makeTable(ChildElement& usage, Name& tableName, std::size_t position);
     void store(Element* element);
     void makeTables();
 
