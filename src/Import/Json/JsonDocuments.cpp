@@ -108,7 +108,6 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     Document& document = documents[number];
     document.root = root;
     document.folder = folderOf(fileName);
-    document.uri = document.folder + fileName.substr(fileName.rfind('/') + 1);
     document.ignoresSiblings = ignoresSiblings;
     const std::string_view version = tree.textOf(root, JsonWord::schemaVersion);
     const auto says = [version](const char* words) { return version.find(words) != version.npos; };
@@ -122,7 +121,9 @@ JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& show
     else if (!version.empty())
         document.ignoresSiblings = false;
     // Documents may refer to each other by path, even if they also have identifiers.
-    resources.try_emplace(document.uri, root);
+    const CString uri = document.folder + fileName.substr(fileName.rfind('/') + 1);
+    uris[root] = uri;
+    resources.try_emplace(uri, root);
     findIdentifiers(first, isDraft4);
     return root;
 }
@@ -170,7 +171,7 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
     } else if (!identifier.empty() && (!isDraft4 || key == JsonWord::id)) {
         const Index around = resourceOf(tree[schema].parent == 0 ? schema : tree[schema].parent);
         const std::string_view name = identifier.substr(0, identifier.find('#'));
-        const CString uri = resolveUri(uriOf(around), name);
+        const CString uri = resolveUri(uris.at(around), name);
         if (uri.size() > kMaxUri)
             return note(SourceReport::invalidValue, node, tree.text(node));
         types.spend(2 * uri.size()); // kept twice, and many may begin with the same long text
@@ -180,13 +181,6 @@ void JsonDocuments::keepIdentifier(Index node, bool isDraft4)
     }
     if (known != schema)
         note(SourceReport::declaredTwice, node, tree.text(node));
-}
-
-// Returns the base of relative references in a resource.
-const CString& JsonDocuments::uriOf(Index resource) const
-{
-    const auto found = uris.find(resource);
-    return found == uris.end() ? documents[tree[resource].place.file].uri : found->second;
 }
 
 // Returns the nearest schema around a node that has its own identifier, else the document's root.
@@ -237,7 +231,7 @@ JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view ref
 // because documents given together may refer to each other by URLs.
 JsonDocuments::Resolved JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri)
 {
-    const auto known = resources.find(resolveUri(uriOf(resource), uri));
+    const auto known = resources.find(resolveUri(uris.at(resource), uri));
     if (known != resources.end())
         return {known->second};
     // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".

@@ -77,7 +77,6 @@ private:
     {
         Index root = 0;
         CString folder;
-        CString uri;                  // the base of relative identifiers
         bool ignoresSiblings = false; // a "$ref" replaces the other keywords of its schema
     };
 
@@ -91,7 +90,6 @@ private:
     Index read(const CString& fileName, const CString& shownName, bool ignoresSiblings);
     void findIdentifiers(Index first, bool isDraft4);
     void keepIdentifier(Index node, bool isDraft4);
-    const CString& uriOf(Index resource) const;
     Index resourceOf(Index node) const;
     Resolved lookUp(Index holder, std::string_view reference);
     Resolved findDocument(Index holder, Index resource, std::string_view uri);
@@ -108,7 +106,7 @@ private:
     std::vector<Document> documents;                                    // by number in the report
     std::map<FileId, Index> parsed;                                     // root by file; 0 if the file can't be read
     std::unordered_map<CString, Index, KeyHash> resources;              // by URI
-    std::unordered_map<Index, CString> uris;                            // of schemas with an identifier
+    std::unordered_map<Index, CString> uris;                            // of resources, the bases of references
     std::unordered_map<std::uint64_t, Index, NumberHash> anchors;       // by resource and name
     std::unordered_map<std::uint64_t, Resolved, NumberHash> references; // by resource and reference
     std::size_t pointers = 0;                                           // shown by the report so far
