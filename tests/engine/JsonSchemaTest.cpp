@@ -262,10 +262,12 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
   "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
-  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]}}})"),
+  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]}},
+  "then":{"additionalProperties":{"type":"string"}}})"),
               1);
-    EXPECT_EQ(reportOf(message, folder.path()), R"(13 losses
+    EXPECT_EQ(reportOf(message, folder.path()), R"(14 losses
 x.json:4:41: key given twice: f
+x.json:10:10: further properties of any name: #/then
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
 bad.json:2:7: document not well-formed: a colon is expected after the key (named in x.json:2:68)
@@ -285,10 +287,10 @@ x.json:5:10: name adjusted: g\h is g_h
 
 4 values of several kinds
 4 references became text
+2 further properties left out
 1 document not found
 1 document not readable
 1 document not well-formed
-1 further properties left out
 1 key given twice
 19 optional parts
 4 facets

@@ -194,6 +194,8 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return take(frame, added);
     if (kind == JsonContent::record && added.kind == JsonContent::record)
         return addMembers(frame, added, how);
+    if (kind == JsonContent::record && added.kind == JsonContent::map)
+        return documents.note(SourceReport::furtherProperties, part);
     // Conditions exclude each other, as "then" and "else" do.
     if (how == maybe && frame.content.isConditional)
         return joinEither(frame, added, part);
@@ -212,8 +214,6 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return take(frame, added);
     if (kind == added.kind && kind != JsonContent::enumeration)
         return;
-    if (kind == JsonContent::record && added.kind == JsonContent::map)
-        return documents.note(SourceReport::furtherProperties, part);
     if (kind == JsonContent::enumeration && added.kind == kind)
         return joinEnumerations(frame, added, part);
     documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
