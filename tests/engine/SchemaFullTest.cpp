@@ -371,6 +371,13 @@ const Rule kRules[] = {
      {{"m.xsd", documentOf("<complexType name='A' abstract='true'/>" TYPE(
                     "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))))}},
      "r"},
+    {"DefaultAttributes",
+     "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
+     "defaultAttributes='t:g'>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))
+         TYPE("A", "<attribute name='x'/>") "<complexType name='B' defaultAttributesApply='false'><attribute name='y'/>"
+                                            "</complexType><attributeGroup name='g'><attribute name='id' type='int'/>"
+                                            "</attributeGroup></schema>",
+     "B(y:String) A(x:String id:Number) r(a:A b:B id:Number)"},
     {"TypesOfAlternatives",
      ROOT(
          SEQUENCE("<element name='e' type='t:B'><alternative test='@k' type='t:D'/><alternative test='@l'><complexType>"

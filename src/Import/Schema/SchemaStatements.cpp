@@ -271,7 +271,8 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         isValid = value == "elementOnly" || value == "empty" || (!knowsPrefixes && isTextContent(value));
         break;
     case Word::defaultAttributes:
-        addFinding(SourceReport::declarationSkipped, called.qualified() + "=" + CString(value));
+        if (knowsPrefixes) // the literal reading, which ignores attribute groups
+            addFinding(SourceReport::declarationSkipped, called.qualified() + "=" + CString(value));
         break;
     default:
         break;

@@ -102,7 +102,7 @@ void SchemaContents::build(Index type, Index base)
         inherit(*contents.find(base), !isRestriction);
     inherited = attributes.all.size();
     walkParticles(derivation == 0 ? type : derivation);
-    walkAttributes(derivation == 0 ? type : derivation);
+    walkAttributes(derivation == 0 ? type : derivation, type);
     contents.insert(type).first = keep();
 }
 
@@ -339,12 +339,26 @@ bool SchemaContents::areEquivalent(Index one, Index other) const
     return type == otherType || (kind && kind == set.builtInKind(otherType));
 }
 
-// Walks the attributes of a type (XML Schema Part 1, 3.4.2). An attribute group that is referred to again adds nothing,
-// because an attribute doesn't repeat.
-void SchemaContents::walkAttributes(Index holder)
+// Walks the attributes of a type (XML Schema 1.1 Part 1, 3.4.2), with the default ones of its document. An attribute
+// group that is referred to again adds nothing, because an attribute doesn't repeat.
+void SchemaContents::walkAttributes(Index holder, Index type)
 {
     std::vector<Index> groups;
-    waiting.assign(1, tree[holder].firstChild);
+    const auto enterAttributes = [&](SchemaName name, Index from) {
+        spendStep();
+        const Index group = set.reach(SchemaSet::attributeGroup, name, from);
+        if (group == 0) {
+            set.note(SourceReport::unresolvedContent, from, name.local);
+        } else if (!isEntered[group]) {
+            isEntered[group] = true;
+            groups.push_back(group);
+            waiting.push_back(tree[group].firstChild);
+        }
+    };
+    waiting.clear();
+    if (const SchemaName defaults = tree.defaultAttributesOf(type); defaults.local != 0)
+        enterAttributes(defaults, tree.documentOf(type).root);
+    waiting.push_back(tree[holder].firstChild);
     while (!waiting.empty()) {
         const Index at =
             tree.firstOf(waiting.back(), SchemaTag::attribute, SchemaTag::attributeGroup, SchemaTag::anyAttribute);
@@ -358,15 +372,7 @@ void SchemaContents::walkAttributes(Index holder)
         } else if (tree[at].tag == SchemaTag::attribute) {
             visitAttribute(at);
         } else if (tree[at].is(SchemaNode::isReference)) {
-            spendStep();
-            const Index group = set.reach(SchemaSet::attributeGroup, tree.referenceOf(at), at);
-            if (group == 0) {
-                set.note(SourceReport::unresolvedContent, at);
-            } else if (!isEntered[group]) {
-                isEntered[group] = true;
-                groups.push_back(group);
-                waiting.push_back(tree[group].firstChild);
-            }
+            enterAttributes(tree.referenceOf(at), at);
         }
     }
     for (const Index group : groups)

@@ -81,7 +81,7 @@ private:
     void addElement(Index particle);
     void addOccurrence(SchemaName name, Index declaration, bool repeats, std::uint32_t documentation);
     void addSubstitutes(SchemaName head, Index declaration, bool repeats, std::uint32_t documentation);
-    void walkAttributes(Index holder);
+    void walkAttributes(Index holder, Index type);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
     Index typedBy(Index declaration) const;

@@ -227,6 +227,8 @@ void SchemaReader::readRootAttribute(const SchemaStatements::Attribute& attribut
         root.elementsQualified = value == "qualified";
     } else if (attribute.name == SchemaAttribute::attributeFormDefault) {
         root.attributesQualified = value == "qualified";
+    } else if (attribute.name == SchemaAttribute::defaultAttributes) {
+        root.defaultAttributes = resolve(value);
     } else if (attribute.name == SchemaAttribute::blockDefault) {
         root.blocks = readBlocks(value);
     }
@@ -280,6 +282,9 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
         break;
     case SchemaAttribute::abstract:
         set(SchemaStatements::isTrue(value), SchemaNode::isAbstract);
+        break;
+    case SchemaAttribute::defaultAttributesApply:
+        set(!SchemaStatements::isTrue(value), SchemaNode::lacksDefaults);
         break;
     case SchemaAttribute::block:
         node.flags = static_cast<std::uint16_t>((node.flags & ~SchemaNode::blocksAll) | readBlocks(value));

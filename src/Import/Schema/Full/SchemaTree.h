@@ -44,7 +44,8 @@ struct SchemaNode
         blocksExtension = 256,
         blocksRestriction = 512,
         blocksAll = blocksSubstitution | blocksExtension | blocksRestriction,
-        isOverride = 1024 ///< a redefinition whose components replace others as a whole
+        isOverride = 1024,   ///< a redefinition whose components replace others as a whole
+        lacksDefaults = 2048 ///< a complex type without the default attributes of its document
     };
 
     SchemaTag tag = SchemaTag::none;
@@ -81,7 +82,8 @@ struct SchemaDocument
     bool hasTarget = false;                                        ///< declares its own namespace
     bool elementsQualified = false;
     bool attributesQualified = false;
-    std::uint16_t blocks = 0; ///< the flags that its elements and complex types have by default
+    SchemaName defaultAttributes; ///< the attribute group that its complex types have; empty if there is none
+    std::uint16_t blocks = 0;     ///< the flags that its elements and complex types have by default
 };
 
 /// The nodes of all documents of a schema, with their texts. Nodes of a document are adjacent and in document order, so
@@ -160,6 +162,13 @@ public:
     /// Returns the name in the node's `ref`, `type`, `base` or `itemType`; an empty one if it has none. In a document
     /// without namespace, an unprefixed name is in the includer's namespace (XML Schema Part 1, 4.2.1).
     SchemaName referenceOf(Index at) const { return adopted(at, nodes[at].reference); }
+
+    /// Returns the attribute group with the default attributes of a complex type; an empty name if it has none.
+    SchemaName defaultAttributesOf(Index type) const
+    {
+        return nodes[type].is(SchemaNode::lacksDefaults) ? SchemaName()
+                                                         : adopted(type, documentOf(type).defaultAttributes);
+    }
 
     /// Returns the names in its `memberTypes` or `substitutionGroup`.
     std::vector<SchemaName> listOf(Index at) const;
