@@ -21,10 +21,8 @@ struct Name
     Element* element = nullptr; ///< the element of this name if the model merges by name, else null
     bool isListed = false;      ///< true if an element of this name is in the model's order
 
-    // For UsageTable: the index of the usage of a record of this name, whether there was another such record, and the
-    // index of the last usage of a field of this name.
+    // For UsageTable: the indices of the usage of a record of this name, and of the last usage of a field of this name.
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-    bool isReopened = false;
     std::uint32_t recordUsage = kNone;
     std::uint32_t lastUsage = kNone;
 

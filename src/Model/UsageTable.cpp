@@ -19,81 +19,40 @@ UsageTable::Declared UsageTable::declare(const Fingerprint& key, Element* elemen
     return {known->usage, true};
 }
 
-// Keys are computed once a record's name contains a "." or is empty. A name with a "." could equal the key of another
-// record's field, and declare() treats an empty key differently.
+// Keys are computed once a record's name contains a ".", is empty or known. A name with a "." could equal the key of
+// another record's field, and declare() treats an empty key differently. The fields of a record that is declared again
+// are in several places of the list.
 UsageTable::Declared UsageTable::declareRecord(Element* record, bool isAlone)
 {
-    current = nullptr;
     if (isAlone)
         return {&usages.emplace_back(record, nullptr), true};
     Name& name = *record->name;
-    if (!hasKeys && (name.text.empty() || name.text.find('.') != CString::npos))
+    if (!hasKeys && (name.text.empty() || name.recordUsage != Name::kNone || name.text.find('.') != CString::npos))
         makeKeys();
     if (hasKeys)
         return declare(name.text, record, nullptr);
-    if (name.recordUsage != Name::kNone) {
-        usages[name.recordUsage].addInstance();
-        reopen(name);
-        return {&usages[name.recordUsage], false};
-    }
-    current = record;
     name.recordUsage = static_cast<std::uint32_t>(usages.size());
     return {&usages.emplace_back(record, nullptr), true};
 }
 
+// Without keys, the record has the field if the last usage of the field's name is behind that of the record.
 UsageTable::Declared UsageTable::declareField(Element* field, Element* record)
 {
     if (hasKeys)
         return declare(keyOf({field, record}), field, record);
-    if (ChildElement* const known = findField(*field, *record)) {
-        known->addInstance();
-        return {known, false};
+    std::uint32_t& last = field->name->lastUsage;
+    if (last != Name::kNone && last > record->name->recordUsage) {
+        usages[last].addInstance();
+        return {&usages[last], false};
     }
-    field->name->lastUsage = static_cast<std::uint32_t>(usages.size());
-    ChildElement* const made = &usages.emplace_back(field, record);
-    // A record that is declared again has fields in several places of the list, so all of them are entered in
-    // `reopened`.
-    if (record->name->isReopened)
-        reopened.emplace(Pair(record->name, field->name), made);
-    return {made, true};
+    last = static_cast<std::uint32_t>(usages.size());
+    return {&usages.emplace_back(field, record), true};
 }
 
 void UsageTable::store(const Fingerprint& key, ChildElement& usage)
 {
     usage.hasKey = true;
     byKey.store(std::pmr::polymorphic_allocator<>(&names.memory).new_object<KeyedUsage>(KeyedUsage{key, &usage}));
-}
-
-// Returns the known usage of a field in a record, null if there is none. The fields of a record are declared one after
-// the other, so if it has the field, the last usage of the field's name is in this record: behind the usage of the
-// record, if that is new. Only a record that is declared again is an exception.
-ChildElement* UsageTable::findField(const Element& field, const Element& record)
-{
-    const std::uint32_t last = field.name->lastUsage;
-    if (&record == current)
-        return last != Name::kNone && last > record.name->recordUsage ? &usages[last] : nullptr;
-    if (last != Name::kNone && usages[last].parent->name == record.name)
-        return &usages[last];
-    if (!record.name->isReopened)
-        return nullptr;
-    const auto known = reopened.find({record.name, field.name});
-    return known == reopened.end() ? nullptr : known->second;
-}
-
-// Moves the fields of a repeated record to `reopened`, because later records may have replaced the last usage of their
-// names.
-void UsageTable::reopen(Name& record)
-{
-    if (record.isReopened)
-        return;
-    record.isReopened = true;
-    for (std::size_t i = record.recordUsage + 1; i < usages.size(); ++i) {
-        ChildElement& usage = usages[i];
-        if (!usage.parent || usage.parent->name != &record)
-            break;
-        if (!usage.hasKey) // constants have keys
-            reopened.emplace(Pair(&record, usage.element->name), &usage);
-    }
 }
 
 // Computes the keys of all usages. From then on, every lookup goes by key.
@@ -126,7 +85,5 @@ void UsageTable::clear()
 {
     usages.clear();
     byKey.clear();
-    reopened.clear();
     hasKeys = false;
-    current = nullptr;
 }

@@ -3,16 +3,16 @@
 #include "Model/Element.h"
 
 #include <deque>
-#include <unordered_map>
 #include <utility>
 
 /// The usages of a model, in the order in which their keys were first declared. A usage under a known key counts as
 /// another instance of that one.
 ///
 /// A record's key is its name; a field's key is a prefix of the importer, the record's name, "." and the field's name.
-/// If no record's name contains a ".", two keys are equal only if their names are. Keys are then not computed at all:
-/// each name stores its last usage, and the fields of a record are declared one after the other. A hash table of all
-/// usages was the most costly part of an import, because each field was a cache miss.
+/// If no record's name contains a ".", two keys are equal only if their names are. As long as no record is declared
+/// again either, keys are not computed at all: each name stores its last usage, and the fields of a record are declared
+/// one after the other. A hash table of all usages was the most costly part of an import, because each field was a
+/// cache miss.
 class UsageTable
 {
 public:
@@ -48,19 +48,7 @@ private:
         ChildElement* usage;
     };
 
-    using Pair = std::pair<const Name*, const Name*>;
-    struct PairHash
-    {
-        std::size_t operator()(const Pair& pair) const
-        {
-            return RunningHash::of(reinterpret_cast<std::uintptr_t>(pair.first)) +
-                   reinterpret_cast<std::uintptr_t>(pair.second);
-        }
-    };
-
     void store(const Fingerprint& key, ChildElement& usage);
-    ChildElement* findField(const Element& field, const Element& record);
-    void reopen(Name& record);
     void makeKeys();
     Fingerprint keyOf(const ChildElement& usage) const;
 
@@ -68,7 +56,5 @@ private:
     std::string_view fieldPrefix;
     std::deque<ChildElement> usages; // keeps their addresses
     KeyedTable<KeyedUsage, &KeyedUsage::key, Fingerprint> byKey;
-    std::unordered_map<Pair, ChildElement*, PairHash> reopened; // fields of repeated records
-    bool hasKeys = false;                                       // true once all usages have keys
-    const Element* current = nullptr;                           // the last record, if its usage is new and has a key
+    bool hasKeys = false; // true once all usages have keys
 };
