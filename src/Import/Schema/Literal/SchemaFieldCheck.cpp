@@ -10,7 +10,6 @@ namespace {
 
 // Fields ahead of the checked one whose elements are prefetched.
 constexpr std::size_t kAhead = 8;
-constexpr std::string_view kAnonymousType = "AnonymousType";
 
 } // namespace
 
@@ -102,7 +101,7 @@ SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfReference(const SchemaEleme
 SchemaFieldCheck::Meaning SchemaFieldCheck::meaningOfType(std::string_view type, const SchemaElement* known,
                                                           std::string_view name, bool repeats)
 {
-    if (type.empty() || type == kAnonymousType)
+    if (type.empty() || type == SchemaDeclaration::kAnonymousType)
         return isLeftBehind(name) ? Meaning{Element::typeRow, {}, SourceReport::declarationSkipped, name}
                                   : Meaning{Element::typeRow};
     if (SchemaTable::isBuiltIn(type))

@@ -254,7 +254,7 @@ TypeModel::Declared SchemaMessage::declareField(const Field& field, const Schema
         made = model.addField(record, name, kind);
         if (typeName.empty())
             continue;
-        const bool isOurs = typeName != "AnonymousType" && kind != Element::typeString;
+        const bool isOurs = typeName != SchemaDeclaration::kAnonymousType && kind != Element::typeString;
         knownTypes.push_back({made.element, isOurs ? typeName : std::string_view()});
         made.element->setType(Element::typeOther);
     }

@@ -315,7 +315,7 @@ SchemaDeclaration SchemaOutline::readDeclaration(XmlAttributes attributes)
     // The importer marks a declaration that is read through `ref` by "REF", so a declaration of that name counts as
     // one.
     if (!out.hasType && !out.isReference && out.name() != "REF")
-        out.type = "AnonymousType";
+        out.type = SchemaDeclaration::kAnonymousType;
     return out;
 }
 

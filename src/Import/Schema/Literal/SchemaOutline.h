@@ -16,6 +16,9 @@ struct SchemaDeclaration
     /// The mark of a repeated declaration.
     static constexpr std::string_view kMark = "*";
 
+    /// The type of a declaration with a name and without a `type`.
+    static constexpr std::string_view kAnonymousType = "AnonymousType";
+
     /// Returns the `name`, else the `ref`.
     std::string_view name() const { return nameAndMark.substr(0, nameAndMark.size() - kMark.size()); }
 
@@ -23,7 +26,7 @@ struct SchemaDeclaration
     std::string_view markedName() const { return repeats ? nameAndMark : name(); }
 
     std::string_view nameAndMark = kMark; ///< in one text, so that both are views
-    std::string_view type;    ///< the `type`; without one "AnonymousType", or empty if it is read through `ref`
+    std::string_view type;    ///< the `type`; without one kAnonymousType, or empty if it is read through `ref`
     std::uint32_t line = 0;   ///< counted from 1
     std::uint32_t column = 0; ///< counted from 1; 0 if unknown
     SchemaKinds::Index simpleType = SchemaKinds::kNone; ///< the simple type inside

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::string_view kAnonymousType = "AnonymousType";
+constexpr std::string_view kAnonymousType = SchemaDeclaration::kAnonymousType;
 constexpr std::string_view kStringType = "xsd:string";
 constexpr SchemaOutline::Index kMostExpected = 16; // children of a record
 
