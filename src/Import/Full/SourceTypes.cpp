@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxFields = 1'000'000; // also of constants; the largest real sources have 22,000 fields
 constexpr std::size_t kMaxTextMegabytes = 256;
 
 } // namespace
@@ -118,8 +117,8 @@ SourceTypes::Index SourceTypes::addEnumeration(Enumeration made, std::span<const
         if (enumerations[known->second].name == made.name && enumerations[known->second].space == made.space &&
             std::ranges::equal(constantsOf(known->second), added, {}, &Constant::name, &Constant::name))
             return known->second;
-    if (constants.size() + added.size() > kMaxFields)
-        refuse(std::to_string(kMaxFields) + " constants");
+    if (constants.size() + added.size() > kMaxConstants)
+        refuse(std::to_string(kMaxConstants) + " constants");
     made.firstConstant = static_cast<Index>(constants.size());
     made.constantCount = static_cast<Index>(added.size());
     constants.insert(constants.end(), added.begin(), added.end());

@@ -23,6 +23,9 @@ public:
     using Index = std::uint32_t;
     static constexpr Index kNone = 0xFFFFFFFF;
 
+    /// The bounds of a source, also while a reader works the types out. The largest real sources have 22,000 fields.
+    static constexpr std::size_t kMaxFields = 1'000'000, kMaxConstants = 1'000'000;
+
     /// The kind of a value. The first three kinds are plain; code relies on that order.
     enum Kind : std::uint8_t
     {
@@ -163,7 +166,7 @@ public:
     Index addRecord(const Record& record);
 
     /// Sets the fields of a record in their order; call it once for each record. Records and enumerations that they use
-    /// must exist. Throws SourceRefusal beyond a million fields in total.
+    /// must exist. Throws SourceRefusal beyond kMaxFields in total.
     void setFields(Index record, std::span<const Field> fields);
 
     /// Throws SourceRefusal if `count` more fields would exceed that bound. A reader that collects fields in a list of
@@ -178,7 +181,7 @@ public:
     }
 
     /// Returns the enumeration with the name and namespace of `made` and with constants of these names. If there is
-    /// none, adds `made` with these constants. Throws SourceRefusal beyond a million constants in total.
+    /// none, adds `made` with these constants. Throws SourceRefusal beyond kMaxConstants in total.
     Index addEnumeration(Enumeration made, std::span<const Constant> constants);
 
     /// Adds to the memory used for names. Throws SourceRefusal beyond 256 MB in total. Texts that adopt() takes over

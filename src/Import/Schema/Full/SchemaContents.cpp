@@ -13,9 +13,6 @@ namespace {
 
 // Up to this number, fields are searched linearly.
 constexpr std::size_t kFewFields = 16;
-// Of all types. The largest real schemas have about 22,000; the fields of a chain of extensions are quadratic in its
-// length.
-constexpr std::size_t kMaxFields = 1'000'000;
 constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
 constexpr int kMaxHeads = 100;                // above an element without a type, or base types; real schemas have a few
 
@@ -123,8 +120,9 @@ SchemaContents::Content SchemaContents::keep()
     for (const auto& [element, repeats] : model.query())
         elements.all[element].repeats = repeats;
     const Content content{kept.size(), elements.all.size(), attributes.all.size()};
-    if (kept.size() + content.elements + content.attributes > kMaxFields)
-        set.refuse(std::to_string(kMaxFields) + " fields");
+    // Checked here, too, because the fields of a chain of extensions are quadratic in its length.
+    if (kept.size() + content.elements + content.attributes > SourceTypes::kMaxFields)
+        set.refuse(std::to_string(SourceTypes::kMaxFields) + " fields");
     kept.insert(kept.end(), elements.all.begin(), elements.all.end());
     kept.insert(kept.end(), attributes.all.begin(), attributes.all.end());
     return content;
@@ -263,8 +261,8 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, bool repe
     if (!field) {
         field = &elements.add({name, declaration, SourceTypes::roleElement, false, documentation});
         // Checked before keep(), because a single type can be too large.
-        if (kept.size() + elements.all.size() > kMaxFields)
-            set.refuse(std::to_string(kMaxFields) + " fields");
+        if (kept.size() + elements.all.size() > SourceTypes::kMaxFields)
+            set.refuse(std::to_string(SourceTypes::kMaxFields) + " fields");
     } else if (!areEquivalent(field->declaration, declaration)) {
         set.note(SourceReport::mergedByName, declaration);
     }

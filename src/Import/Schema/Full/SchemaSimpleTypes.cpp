@@ -10,9 +10,6 @@
 
 namespace {
 
-// Of all types: each union of enumerations has the constants of its members again.
-constexpr std::size_t kMaxConstants = 1'000'000;
-
 SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 {
     return {true, kind};
@@ -204,7 +201,8 @@ void SchemaSimpleTypes::addConstant(Constant constant)
     constantSeen.resize(std::max<std::size_t>(constantSeen.size(), constant.name + 1));
     if (std::exchange(constantSeen[constant.name], constantLists) == constantLists)
         return;
-    if (constants.size() == kMaxConstants)
-        set.refuse(std::to_string(kMaxConstants) + " constants");
+    // Checked here, too, because each union of enumerations has the constants of its members again.
+    if (constants.size() == SourceTypes::kMaxConstants)
+        set.refuse(std::to_string(SourceTypes::kMaxConstants) + " constants");
     constants.push_back(constant);
 }
