@@ -24,7 +24,8 @@ void DTDReader::finish(std::span<const Index> sources, std::span<const CString> 
         if (element.contentCount > 0 || element.firstAttribute != SourceTypes::kNone)
             element.record = types.addRecord({element.name, {}, element.place});
         if (element.isDeclared)
-            types.addCandidate({element.name, typeOf(element), false, element.place, false, {}, element.source});
+            types.addCandidate(
+                {.name = element.name, .type = typeOf(element), .place = element.place, .source = element.source});
     }
     std::vector<SourceTypes::Field> fields;
     for (const Index index : order)

@@ -188,13 +188,16 @@ void SchemaTypes::readComponent(Index component, SourceTypes::Index source)
 void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
 {
     const SchemaNode& node = tree[component];
-    SourceTypes::Candidate candidate{keep(node.name), {}, node.is(SchemaNode::isAbstract), set.placeOf(component)};
-    candidate.uri = keep(tree.documentOf(component).space);
-    candidate.source = source;
-    candidate.space = spaceOf(component);
+    SourceTypes::Candidate candidate{.name = keep(node.name),
+                                     .type = {},
+                                     .isAbstract = node.is(SchemaNode::isAbstract),
+                                     .place = set.placeOf(component),
+                                     .uri = keep(tree.documentOf(component).space),
+                                     .source = source,
+                                     .isType = node.tag == SchemaTag::complexType,
+                                     .space = spaceOf(component)};
     if (const auto message = messageNumbers.find(component); message != messageNumbers.end())
         candidate.message = message->second;
-    candidate.isType = node.tag == SchemaTag::complexType;
     if (candidate.isType) {
         candidate.type = recordOf(component, SourceTypes::kNone);
         candidate.choice = choiceOf({component, {}, 0}, 0);
