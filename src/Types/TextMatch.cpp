@@ -3,10 +3,13 @@
 #include "Base/KeyedTable.h"
 #include "Import/GenerationTime.h"
 #include "Import/MsgBase.h"
+#include "Types/TypeStructure.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 // A document of this program is a start, the texts of the types without anything between them, and an end tag. Texts
 // are cut at the end tags of types. A text that equals one of the import is well-formed and stands for the same type;
@@ -60,11 +63,11 @@ std::optional<Parts> partsOf(std::string_view document)
     return parts;
 }
 
-// Returns the name in a type's text, with its escapes.
+// Returns the full name in a type's text, with its escapes.
 std::string_view nameIn(std::string_view type)
 {
     const std::string_view name = type.substr(kTypeStart.size());
-    return name.substr(0, name.find('"'));
+    return plainName(name.substr(0, name.find('"')));
 }
 
 // Returns whether a type's text is that of a table or an array. Values of attributes contain no quote.
@@ -74,15 +77,10 @@ bool holdsComponent(std::string_view type)
     return content.starts_with("\"><TABLE") || content.starts_with("\"><ARRAY");
 }
 
-// Returns whether no name occurs twice. Of two backslashes at the start of a name one is ignored, so such
-// names are not compared.
 bool areNamesUnique(const std::vector<std::string_view>& types)
 {
     std::unordered_set<std::string_view, KeyHash> names;
-    return std::ranges::all_of(types, [&](std::string_view type) {
-        const std::string_view name = nameIn(type);
-        return !name.starts_with("\\\\") && names.insert(name).second;
-    });
+    return std::ranges::all_of(types, [&](std::string_view type) { return names.insert(nameIn(type)).second; });
 }
 
 // Finds texts in a document. Types nearly always follow each other as in the import, so the one after the last found is
@@ -90,9 +88,10 @@ bool areNamesUnique(const std::vector<std::string_view>& types)
 class Finder
 {
 public:
-    explicit Finder(const std::vector<std::string_view>& texts) : texts(texts), isFound(texts.size()) {}
+    explicit Finder(const std::vector<std::string_view>& texts) : texts(texts) {}
 
-    bool find(std::string_view text)
+    // Returns the index of a text, or nothing.
+    std::optional<std::size_t> find(std::string_view text)
     {
         if (next >= texts.size() || texts[next] != text) {
             if (byText.empty())
@@ -100,44 +99,139 @@ public:
                     byText.emplace(texts[i], i);
             const auto found = byText.find(text);
             if (found == byText.end())
-                return false;
+                return {};
             next = found->second;
         }
-        isFound[next++] = true;
-        return true;
+        return next++;
     }
-
-    // Returns whether find() has found the text of that index.
-    bool hasFound(std::size_t index) const { return isFound[index]; }
 
     // Returns whether each call of find() has found the text after the last one.
     bool isInOrder() const { return byText.empty(); }
 
 private:
     const std::vector<std::string_view>& texts;
-    std::vector<bool> isFound;
     std::size_t next = 0;
     std::unordered_map<std::string_view, std::size_t, KeyHash> byText;
 };
 
-// Returns the document of the types that were not found and of all tables and arrays, empty if all types were found.
-// Returns nothing if the importer must read the whole document.
-std::optional<CString> restOf(const Parts& parts, const Finder& finder)
+// The tables and arrays that differ, by name. A field shows the content of its table, so a type that refers to one of
+// them differs, too, even if its text doesn't.
+class ChangedComponents
 {
-    CString rest(parts.start);
-    bool isEmpty = true;
-    for (std::size_t i = 0; i < parts.types.size(); ++i) {
-        const std::string_view type = parts.types[i];
-        const bool isFound = finder.hasFound(i);
-        // The end tag of a type may be inside of a comment or a CDATA section.
-        if (!isFound && (holdsComponent(type) || type.find("<!") != type.npos || type.find("<?") != type.npos))
-            return {};
-        if (!isFound || holdsComponent(type))
-            rest += type;
-        isEmpty = isEmpty && isFound;
+public:
+    void add(std::string_view type)
+    {
+        if (holdsComponent(type))
+            names.emplace(nameIn(type));
     }
-    return isEmpty ? CString() : rest + CString(parts.end);
-}
+
+    // Adds the tables and arrays that refer to those added so far, up to the depth that fields show.
+    void spread(const std::vector<std::string_view>& types)
+    {
+        bool hasGrown = !names.empty();
+        for (int level = 0; level < kDeepest && hasGrown; ++level) {
+            const std::size_t before = names.size();
+            for (const std::string_view type : types)
+                if (holdsComponent(type) && isIn(type))
+                    add(type);
+            hasGrown = names.size() > before;
+        }
+    }
+
+    // Returns whether a type refers to one of them.
+    bool isIn(std::string_view type) const
+    {
+        constexpr std::string_view before = " TYPE=\"";
+        for (std::size_t at = names.empty() ? type.npos : type.find(before); at != type.npos;
+             at = type.find(before, at)) {
+            at += before.size();
+            if (names.contains(plainName(type.substr(at, type.find('"', at) - at))))
+                return true;
+        }
+        return false;
+    }
+
+private:
+    static constexpr int kDeepest = 16; // as in TypeStructure::contentOf()
+
+    std::set<CString, std::less<>> names;
+};
+
+// Matches the types of an import with the texts of a document, in the three steps of matchTexts().
+class Matching
+{
+public:
+    explicit Matching(const Parts& document) :
+        document(document), finder(document.types), numbers(document.types.size(), kNotFound)
+    {}
+
+    // Finds the texts of the import. Returns false if none is found, or none of the first ones.
+    bool findTypes(MsgBase& message)
+    {
+        std::size_t equal = 0;
+        message.beginEnum();
+        while (Element* const element = message.enumNext()) {
+            const std::string_view text = element->asXML();
+            const std::optional<std::size_t> found = finder.find(text);
+            if (found)
+                numbers[*found] = match.isEqual.size();
+            else
+                changed.add(text);
+            equal += found.has_value();
+            match.isEqual.push_back(found.has_value());
+            if (equal == 0 && match.isEqual.size() == kTried)
+                return false;
+        }
+        return equal > 0;
+    }
+
+    // Finds the types of the document that differ only by the content of their fields, and builds the rest. Returns
+    // false if the end of a type is not certain, because its end tag may be inside of a comment or a CDATA section.
+    bool collectRest()
+    {
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            const std::string_view type = document.types[i];
+            if (numbers[i] != kNotFound)
+                continue;
+            if (type.find("<!") != type.npos || type.find("<?") != type.npos)
+                return false;
+            changed.add(type);
+        }
+        changed.spread(document.types);
+        bool isEmpty = true;
+        match.rest = document.start;
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            const std::string_view type = document.types[i];
+            const bool isEqual = numbers[i] != kNotFound && !changed.isIn(type);
+            if (numbers[i] != kNotFound)
+                match.isEqual[numbers[i]] = isEqual;
+            if (!isEqual || holdsComponent(type))
+                match.rest += type;
+            isEmpty = isEmpty && isEqual;
+        }
+        if (isEmpty)
+            match.rest.clear();
+        else
+            match.rest += document.end;
+        return true;
+    }
+
+    // Returns whether it is certain which of several types of one name is compared, which is the first.
+    bool areNamesCertain() const
+    {
+        return (match.areAllEqual() && finder.isInOrder()) || areNamesUnique(document.types);
+    }
+
+    TextMatch match;
+
+private:
+    static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+
+    const Parts& document;
+    Finder finder;
+    ChangedComponents changed;
+    std::vector<std::size_t> numbers; // of the types of the import with these texts
+};
 
 } // namespace
 
@@ -146,26 +240,10 @@ std::optional<TextMatch> matchTexts(MsgBase& message, std::string_view document)
     const std::optional<Parts> parts = partsOf(document);
     if (!parts)
         return {};
-    TextMatch match;
-    Finder finder(parts->types);
-    std::size_t equal = 0;
-    message.beginEnum();
-    while (Element* const element = message.enumNext()) {
-        const std::string_view text = element->asXML();
-        const bool isFound = finder.find(text);
-        equal += isFound;
-        match.isEqual.push_back(isFound);
-        if ((!isFound && holdsComponent(text)) || (equal == 0 && match.isEqual.size() == kTried))
-            return {};
-    }
-    std::optional<CString> rest = restOf(*parts, finder);
-    if (!rest || equal == 0)
+    Matching matching(*parts);
+    if (!matching.findTypes(message) || !matching.collectRest() || !matching.areNamesCertain())
         return {};
-    match.rest = std::move(*rest);
-    // Of several types of one name, the first is compared.
-    if (!(match.areAllEqual() && finder.isInOrder()) && !areNamesUnique(parts->types))
-        return {};
-    return match;
+    return std::move(matching.match);
 }
 
 bool isOfThisProgram(std::string_view document)

@@ -12,7 +12,7 @@ class MsgBase;
 /// The types of an import that a document has word for word, and what remains to be compared.
 struct TextMatch
 {
-    std::vector<bool> isEqual; ///< by the types of the import: whether the document has the type's text
+    std::vector<bool> isEqual; ///< by the types of the import: whether the document has the type
     CString rest; ///< a document of its other types and all its tables and arrays; empty if it has no other types
 
     /// Returns whether import and document have the same types.
@@ -21,8 +21,7 @@ struct TextMatch
 
 /// Compares the types of an import with those of a document as texts, without parsing it. Returns nothing if the rest
 /// would not give the same changes as the whole document: it is not in the form that this program writes, it has no
-/// type of the import, a name occurs twice in it, or a table or array differs, because the content of fields depends on
-/// it. Moves the importer's cursor. Linear.
+/// type of the import, or a name occurs twice in it. Moves the importer's cursor. Linear.
 std::optional<TextMatch> matchTexts(MsgBase& message, std::string_view document);
 
 /// Returns whether a document is in the form that this program writes.

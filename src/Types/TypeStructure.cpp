@@ -18,14 +18,12 @@ bool holdsComponent(const Element& element)
     return element.queryType() == Element::typeTable || element.queryType() == Element::typeArray;
 }
 
-// Returns a full name with one backslash at its start. The root folder and a name may both have one. Types of a
-// document that was read back then refer to each other under one name.
-std::string_view plainName(std::string_view name)
-{
-    return name.starts_with("\\\\") ? name.substr(1) : name;
-}
-
 } // namespace
+
+std::string_view plainName(std::string_view fullName)
+{
+    return fullName.starts_with("\\\\") ? fullName.substr(1) : fullName;
+}
 
 std::string_view shortName(std::string_view fullName)
 {

@@ -42,6 +42,10 @@ struct TypeContent
     CString repeats;           ///< "*" for each table, "[5]" for each array, outermost first; empty if neither
 };
 
+/// Returns a full name with one backslash at its start. The root folder and a name may both have one. Types of a
+/// document that was read back then refer to each other under one name.
+std::string_view plainName(std::string_view fullName);
+
 /// Returns a type's name without its folder.
 std::string_view shortName(std::string_view fullName);
 

@@ -106,6 +106,15 @@ removed record \q [type-removed]
 
 )",
           ""}},
+        // A field whose table is one of tables, of which the inner one differs.
+        {R"(printf '<x><T NAME="\\a\\U"><TABLE><C TYPE="Time"/></TABLE></T><T NAME="\\a\\T"><TABLE><C TYPE="\\a\\U"/></TABLE></T>
+<T NAME="\\a\\R"><ROW><FIELD NAME="f" TYPE="\\a\\T"/></ROW></T></x>' >t.btd
+$import btd t.btd -o t.xml; sed -i s/Time/Number/ t.xml; $import btd t.btd --diff t.xml | head -n -1)",
+         {0, R"(changed type of \a\T: Number to Time [type-changed]
+changed type of \a\U: Number to Time [type-changed]
+changed type of \a\R.f: Number to Time [type-changed]
+)",
+          ""}},
         // An array without a size has that of its document, whether that has been written or not.
         {"printf '<x><T NAME=\"\\\\a\\A\"><ARRAY/></T><T NAME=\"\\\\a\\R\"><ROW><FIELD NAME=\"f\" TYPE=\"String\"/>"
          "</ROW></T></x>' >v.btd; $import btd v.btd -q -o v.xml; sed -i s/String/Number/ v.xml; $import btd v.btd -q "
