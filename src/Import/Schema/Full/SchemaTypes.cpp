@@ -202,7 +202,7 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
         candidate.type = recordOf(component, SourceTypes::kNone);
         candidate.choice = choiceOf({component, {}, 0}, 0);
     } else {
-        const Declared& type = declared(component);
+        const Declared type = declared(component);
         candidate.hasAbstractType = tree[type.complexType].is(SchemaNode::isAbstract);
         candidate.type = typeOf(type, component, node.name, SourceTypes::kNone);
         candidate.choice = choiceOf(type, component);
@@ -235,7 +235,7 @@ void SchemaTypes::readFields(Pending record)
     copiedFields.assign(content.begin(), content.end());
     for (const SchemaField& field : copiedFields) {
         cancelPoint.pass();
-        const Declared& type = declared(field.declaration);
+        const Declared type = declared(field.declaration);
         std::uint32_t said = field.documentation;
         if (said == 0)
             said = tree[field.declaration].documentation;
@@ -249,17 +249,17 @@ void SchemaTypes::readFields(Pending record)
     types.setFields(record.record, fields);
 }
 
-// Returns the type of an element or attribute; text if it has none. Valid until the next call. An element without a
-// type has that of its substitution group's head (XML Schema Part 1, 3.3.2), which may have a head itself, and so on.
-// All elements of such a chain are cached, so a long one is walked once.
-const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
+// Returns the type of an element or attribute; text if it has none. An element without a type has that of its
+// substitution group's head (XML Schema Part 1, 3.3.2), which may have a head itself, and so on. All elements of such a
+// chain are cached, so a long one is walked once.
+SchemaTypes::Declared SchemaTypes::declared(Index declaration)
 {
     std::vector<Index> chain;
-    lastDeclared = {};
-    for (Index at = declaration; at != 0 && !resolve(at, lastDeclared);) {
+    Declared type;
+    for (Index at = declaration; at != 0 && !resolve(at, type);) {
         const auto [known, isNew] = fromHeads.try_emplace(at);
         if (!isNew) {
-            lastDeclared = known->second;
+            type = known->second;
             break;
         }
         chain.push_back(at);
@@ -267,8 +267,8 @@ const SchemaTypes::Declared& SchemaTypes::declared(Index declaration)
         at = hasHead ? set.reach(SchemaSet::element, tree.firstListed(at), at) : 0;
     }
     for (const Index at : chain)
-        fromHeads[at] = lastDeclared;
-    return lastDeclared;
+        fromHeads[at] = type;
+    return type;
 }
 
 // Sets `out` to the type of a declaration: the one it names, else the one inside it. Returns false if it has none.

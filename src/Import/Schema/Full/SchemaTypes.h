@@ -79,7 +79,7 @@ private:
     void readDerived(SourceTypes::Index choice, Index base);
     const Derived& derivedFrom(Index type);
     void collectDerived();
-    const Declared& declared(Index declaration);
+    Declared declared(Index declaration);
     bool resolve(Index declaration, Declared& out);
     SourceTypes::Type typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
                              SourceTypes::Index home);
@@ -104,7 +104,6 @@ private:
     std::vector<Index> candidates;                 // the component of each
     NumberTable enumerations;                      // by first constant and name
     std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
-    Declared lastDeclared;
     // Copies of names and documentation in `types`, by number; empty if not yet copied.
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
