@@ -53,15 +53,16 @@ void SchemaTypes::readAlone(const std::vector<Index>& wanted)
     readPending();
 }
 
-// Reads the fields of all records and choices.
+// Reads the fields of all records and choices. A choice adds records, and these add choices.
 void SchemaTypes::readPending()
 {
-    std::size_t read = 0;
-    for (std::size_t choice = 0; choice <= choices.size(); ++choice) { // a choice adds records, and these add choices
-        if (choice > 0)
-            readChoice(static_cast<SourceTypes::Index>(choice - 1));
-        for (; read < pending.size(); ++read)
-            readFields(pending[read]);
+    std::size_t record = 0;
+    SourceTypes::Index choice = 0;
+    while (record < pending.size() || choice < choices.size()) {
+        if (record < pending.size())
+            readFields(pending[record++]);
+        else
+            readChoice(choice++);
     }
 }
 
