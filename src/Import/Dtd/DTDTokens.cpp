@@ -33,7 +33,13 @@ DTDTokens::DTDTokens(DTDEntities& entities, DTDEntities::Text& main, SourceRepor
 void DTDTokens::push(DTDEntities::Text& text)
 {
     const char* const start = text.text.data();
-    frames.push_back({&text, start, start + text.text.size(), start, start, text.start.line, text.start.column});
+    frames.push_back({.text = &text,
+                      .at = start,
+                      .end = start + text.text.size(),
+                      .counted = start,
+                      .lineStart = start,
+                      .line = text.start.line,
+                      .column = text.start.column});
 }
 
 void DTDTokens::pop()
