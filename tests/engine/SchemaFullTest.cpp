@@ -371,6 +371,14 @@ const Rule kRules[] = {
      {{"m.xsd", documentOf("<complexType name='A' abstract='true'/>" TYPE(
                     "D", EXTENSION("t:A", SEQUENCE("<element name='d'/>"))))}},
      "r"},
+    {"StatementsForOtherVersions",
+     "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
+     "xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning'>" ROOT(
+         SEQUENCE("<element name='a' type='t:A'/><element name='b' vc:minVersion='1.2'/><element name='c' "
+                  "vc:minVersion='1.1'/><element name='d' vc:maxVersion='1.1'><annotation/></element>"))
+         SIMPLE("A' vc:maxVersion='1.1", "<restriction base='int'/>")
+             SIMPLE("A", "<restriction base='date'/>") "</schema>",
+     "r(a:Time c:String)"},
     {"DefaultAttributes",
      "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
      "defaultAttributes='t:g'>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))

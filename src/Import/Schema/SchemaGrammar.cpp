@@ -1,8 +1,12 @@
 #include "Import/Schema/SchemaGrammar.h"
 
+#include "Base/Text.h"
+
 #include <algorithm>
+#include <charconv>
 #include <initializer_list>
 #include <iterator>
+#include <system_error>
 
 namespace {
 
@@ -200,6 +204,22 @@ SchemaEdition schemaEditionOf(const char* uri)
     return space == "http://www.w3.org/2000/10/XMLSchema" || space == "http://www.w3.org/1999/XMLSchema"
                ? SchemaEdition::draft
                : SchemaEdition::none;
+}
+
+bool isForOtherVersion(XmlAttributes attributes)
+{
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+        const char* const uri = attributes[i].name.prefix ? attributes.uriOf(i) : nullptr;
+        if (!uri || uri != std::string_view("http://www.w3.org/2007/XMLSchema-versioning"))
+            continue;
+        const std::string_view local = attributes[i].name.local, value = trimmed(attributes[i].value);
+        double version = 0;
+        if (std::from_chars(value.data(), value.data() + value.size(), version).ec != std::errc())
+            continue;
+        if ((local == "minVersion" && version > 1.1) || (local == "maxVersion" && version <= 1.1))
+            return true;
+    }
+    return false;
 }
 
 // Adds what every statement may have: an annotation and an `id`.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Xml/XmlParser.h"
+
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -115,6 +117,10 @@ enum class SchemaEdition : std::uint8_t
 
 /// Returns the edition with this namespace URI; `none` for null and for other namespaces.
 SchemaEdition schemaEditionOf(const char* uri);
+
+/// Returns whether a statement with these attributes is for other versions of the language than 1.1 (XML Schema 1.1
+/// Part 1, 4.2.2).
+bool isForOtherVersion(XmlAttributes attributes);
 
 /// Looks up the words of the schema language during one parse. Interned names are cached by address, so use a new
 /// object for each parse: in another parse the same address may be another name.

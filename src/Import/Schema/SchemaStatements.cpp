@@ -81,12 +81,6 @@ bool SchemaStatements::isTrue(std::string_view value)
     return value == "true" || value == "1";
 }
 
-bool SchemaStatements::isTextContent(std::string_view content)
-{
-    content = trimmed(content);
-    return content == "mixed" || content == "textOnly";
-}
-
 // An ignored tag is identified, too, and its attributes are read, because both readings record it, too.
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const XmlScope& scope,
                                   SourceReport::Component number)
@@ -100,6 +94,10 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const 
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
     hasText = false;
+    if (ignored == 0 && !knowsPrefixes && !open.empty() && isForOtherVersion(attributes)) {
+        ignored = 1;
+        return Tag::none;
+    }
     if (number != 0 && isAtTop())
         enterComponent(tag >= Tag::element && tag <= Tag::attributeGroup ? number : 0);
     if (ignored > 0) {

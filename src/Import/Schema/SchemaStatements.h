@@ -85,7 +85,10 @@ public:
     static bool isTrue(std::string_view value);
 
     /// Returns whether a draft's `content` attribute allows text.
-    static bool isTextContent(std::string_view content);
+    static bool isTextContent(std::string_view content)
+    {
+        return trimmed(content) == "mixed" || trimmed(content) == "textOnly";
+    }
 
     /// Calls `take` with each name of a list separated by white space.
     template <class Take>
