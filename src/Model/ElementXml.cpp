@@ -29,7 +29,6 @@ std::string_view Element::asXML()
         break;
     case typeRow:
         builder.addRow();
-        prefetch(children);
         for (const Element* child : children)
             if (child->isField())
                 builder.addField(child->queryFieldName(), child->queryFieldDescription(), child->queryFieldType(*this));

@@ -81,7 +81,6 @@ std::span<const TypePart> TypeStructure::parts(std::uint32_t type) const
         return lastParts;
     }
     const bool isRecord = element.queryType() == Element::typeRow;
-    prefetch(element.queryChildren());
     for (const Element* child : element.queryChildren())
         if (!isRecord)
             lastParts.push_back({TypePart::constant, child, child->queryName(), {}, kNone});
