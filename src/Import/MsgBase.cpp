@@ -128,8 +128,8 @@ void MsgBase::writeXML(const std::function<void(std::string_view)>& write)
     ProgressMeter progress(Work::writing, static_cast<std::uint64_t>(beginEnum()), typesPerReport);
     std::uint64_t written = 0;
     const CString tag = queryFrameTag();
-    // Comparisons of documents rely on the position of the time, see kBeforeTime.
-    write(CString(kBeforeTime) + generationTime() + " -->\r\n<" + tag + ">\r\n");
+    // Types/TextMatch reads this form back.
+    write(CString(kBeforeTime).append(generationTime()).append(kAfterTime) + "<" + tag + ">\r\n");
     while (Element* element = enumNext()) {
         write(element->asXML());
         progress.step(++written);

@@ -45,7 +45,7 @@ std::optional<Parts> partsOf(std::string_view document)
     if (!skip(text, kBeforeTime) || text.size() < kTimeLength)
         return {};
     text.remove_prefix(kTimeLength);
-    if (!skip(text, " -->\r\n<"))
+    if (!skip(text, kAfterTime) || !skip(text, "<"))
         return {};
     const std::string_view tag = text.substr(0, text.find('>'));
     text.remove_prefix(tag.size());
