@@ -129,7 +129,7 @@ public:
     void spread(const std::vector<std::string_view>& types)
     {
         bool hasGrown = !names.empty();
-        for (int level = 0; level < kDeepest && hasGrown; ++level) {
+        for (std::size_t level = 0; level < TypeStructure::kDeepest && hasGrown; ++level) {
             const std::size_t before = names.size();
             for (const std::string_view type : types)
                 if (holdsComponent(type) && isIn(type))
@@ -152,8 +152,6 @@ public:
     }
 
 private:
-    static constexpr int kDeepest = 16; // as in TypeStructure::contentOf()
-
     std::set<CString, std::less<>> names;
 };
 

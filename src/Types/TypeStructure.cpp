@@ -170,7 +170,6 @@ std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 // Each level is looked up by its name. The types passed are few, so a search among them is faster than a set.
 TypeContent TypeStructure::contentOf(const TypePart& part) const
 {
-    constexpr std::size_t kDeepest = 16; // levels of nested tables; deeper ones can't be shown usefully
     TypeContent content{part.typeName, part.type, {}};
     std::array<std::uint32_t, kDeepest> passed;
     for (std::size_t level = 0; content.type != kNone && level < kDeepest; ++level) {

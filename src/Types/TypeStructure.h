@@ -92,8 +92,11 @@ public:
     /// parts; the results then stay valid.
     std::span<const std::uint32_t> users(std::uint32_t type) const;
 
+    /// The levels of nested tables and arrays that contentOf() resolves. Deeper ones can't be shown usefully.
+    static constexpr std::size_t kDeepest = 16;
+
     /// Returns the content of a part, with its type resolved through tables and arrays. Stops at a table that contains
-    /// itself, and at the 16th level.
+    /// itself, and after kDeepest levels.
     TypeContent contentOf(const TypePart& part) const;
 
     /// The directions of reach().
