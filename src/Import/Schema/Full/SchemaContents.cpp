@@ -288,14 +288,20 @@ SchemaContents::Index SchemaContents::typedBy(Index declaration) const
     return declaration;
 }
 
+// Returns the type that an element or a derivation names; 0 if it names none, or a built-in or unknown one.
+SchemaContents::Index SchemaContents::typeNamedBy(Index at) const
+{
+    const SchemaName name = tree.referenceOf(at);
+    return name.local == 0 || set.builtInKind(name) ? 0 : set.find(SchemaSet::type, name, at);
+}
+
 // Returns the type of an element; 0 if it is built-in or unknown.
 SchemaContents::Index SchemaContents::typeOf(Index declaration) const
 {
     declaration = typedBy(declaration);
-    const SchemaName name = tree.referenceOf(declaration);
-    if (name.local == 0)
-        return tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
-    return set.builtInKind(name) ? 0 : set.find(SchemaSet::type, name, declaration);
+    return tree.referenceOf(declaration).local == 0
+               ? tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType)
+               : typeNamedBy(declaration);
 }
 
 // Returns whether the way in which the type of a member is derived from that of its head is blocked by the head, its
@@ -310,9 +316,7 @@ bool SchemaContents::isBlocked(Index head, Index member) const
     for (int steps = 0; type != top && type != 0 && steps < kMaxHeads; ++steps) {
         ways |= tree.blockOf(type);
         const bool isComplex = tree[type].tag == SchemaTag::complexType;
-        const Index derivation = isComplex ? tree.derivationOf(type) : tree.childOf(type, SchemaTag::restriction);
-        const SchemaName base = tree.referenceOf(derivation);
-        type = base.local == 0 || set.builtInKind(base) ? 0 : set.find(SchemaSet::type, base, derivation);
+        type = typeNamedBy(isComplex ? tree.derivationOf(type) : tree.childOf(type, SchemaTag::restriction));
         blocked |= tree[type].flags;
     }
     return (blocked & ways) != 0;

@@ -85,6 +85,7 @@ private:
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
     Index typedBy(Index declaration) const;
+    Index typeNamedBy(Index at) const;
     Index typeOf(Index declaration) const;
     bool isBlocked(Index head, Index member) const;
     bool areEquivalent(Index one, Index other) const;
