@@ -20,9 +20,9 @@ Number loadBytes(const char* bytes)
     return number;
 }
 
-/// Returns one to seven bytes as the low bytes of a number; the others are 0. Reads overlap instead of looping over the
-/// bytes, and a copy would have to reach memory before it could be read. A byte that is read twice has the same place
-/// in both. The indices 0, n / 2 and n - 1 cover one to three bytes.
+/// Returns one to seven bytes as the low bytes of a number; the others are 0. Two or three overlapping reads replace a
+/// loop over the bytes, and a copy into a buffer, which would wait for its own store. A byte that is read twice has the
+/// same place in both reads. The indices 0, n / 2 and n - 1 cover one to three bytes.
 inline std::uint64_t loadPartial(const char* bytes, std::size_t n)
 {
     const auto byteAt = [bytes](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(bytes[i])} << 8 * i; };

@@ -34,8 +34,9 @@ public:
 
     /// Opens a data source by name, or by connection string if `source` contains '='. `logon` is appended, see
     /// logonText(). Returns false if the driver manager can't even try to connect; throws CDBException if the driver
-    /// fails, or the server is silent for `loginTimeout`. The driver never prompts. Closes an open connection first.
-    /// The password in `logon` is copied into storage that is wiped; the caller wipes its own.
+    /// fails, or the server is silent for `loginTimeout`, or for `timeout` if the driver has no limit of its own. The
+    /// driver never prompts. Closes an open connection first. The password in `logon` is copied into storage that is
+    /// wiped; the caller wipes its own.
     bool Open(const CString& source, Access access = readOnly, const CString& logon = {});
 
     /// Disconnects and ends the driver's process, which frees all that the driver had in memory. Does nothing if not
@@ -49,8 +50,9 @@ public:
     void ExecuteSQL(const CString& sql);
 
     /// Sends a request to the driver's process and returns the results, see DriverRequest. Throws CDBException on
-    /// failure, and Cancelled if the progress handler refuses. The connection is closed if the call was cancelled, took
-    /// longer than `timeout`, the driver crashed or the server is gone.
+    /// failure, std::bad_alloc if either process lacks memory, and Cancelled if the progress handler refuses. The
+    /// connection is closed if the call was cancelled, took longer than `timeout`, the driver crashed or the server is
+    /// gone.
     CString call(std::string_view request);
 
     /// Return whether tables have owners, which most databases call schemas, and qualifiers, which are databases or

@@ -78,10 +78,10 @@ protected:
     static Argument argument(const char* text) { return text ? Argument(text) : Argument(); }
 
     /// Runs a catalogue function, given by its SQL_API number, once for each of `calls`, with four texts or nulls.
-    /// Reads all rows and goes to the first. Without any row, looks for a table whose name has backslashes itself:
-    /// drivers read them as escapes of a pattern, each by its own rules. All calls have the same table's name. Returns
-    /// 1, or 0 if the driver lacks the function, can't allocate a statement or the connection isn't open. `calls` must
-    /// not be empty.
+    /// Reads all rows and goes to the first. If a table's name with backslashes gives no row, tries again with "_" for
+    /// each of them and keeps the rows of exactly that name, because drivers differ in whether a backslash is an
+    /// escape. Returns 1, or 0 if the driver lacks the function, can't allocate a statement or the connection isn't
+    /// open. `calls` must not be empty, and all must have the same table's name.
     int openCatalogue(unsigned short function, std::vector<Arguments> calls, UINT type);
 
     /// Returns the connection given to the constructor, or null.

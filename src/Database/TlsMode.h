@@ -19,6 +19,7 @@ struct TlsAttempt
 
 /// Returns the ways to connect that a source's SSLmode allows, best first. The mode comes from the connection string or
 /// the data source, else from the environment variable PGSSLMODE, else it is "prefer". Every driver that can is asked
-/// to prefer TLS. Throws CDBException for an unknown mode, and for a source that requires TLS if the driver isn't known
-/// to respect the mode. What PGSSLMODE requires only holds for the drivers of PostgreSQL and MariaDB.
+/// to prefer TLS. Throws CDBException for a mode that libpq doesn't know if the driver is PostgreSQL's or MariaDB's,
+/// and for an SSLmode that requires TLS if the driver isn't known to respect it. Only these two drivers are held to
+/// what PGSSLMODE requires.
 std::vector<TlsAttempt> tlsAttempts(const CString& connection);

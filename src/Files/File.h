@@ -28,8 +28,8 @@ public:
     /// Returns the size in bytes that the system reports; 0 for a pipe.
     std::size_t querySize() const { return size; }
 
-    /// Reads as read(2) does: returns the number of bytes, 0 at the end, -1 with errno. Reading past the limit fails
-    /// with EOVERFLOW.
+    /// Reads as read(2) does: returns the number of bytes, 0 at the end, -1 with errno. A pipe with more bytes than the
+    /// limit fails with EOVERFLOW.
     ssize_t read(char* out, std::size_t room);
 
 private:

@@ -38,8 +38,8 @@ public:
     /// returns a file whose name differs only in the case of ASCII letters. Among several, each component is compared
     /// from the left: the exact name comes first, then byte order.
     ///
-    /// Returns nothing for a folder, device or pipe, and for a file of /proc, /sys or /dev, whatever link leads there.
-    /// A file that the process may not access counts as found, because it may exist.
+    /// Returns nothing for a folder, device or pipe, and for a file of /proc, /sys or /dev (except /dev/shm), whatever
+    /// link leads there. A file that the process may not access counts as found, because it may exist.
     std::optional<FoundFile> find(const CString& folder, const CString& path);
 
 private:
@@ -70,8 +70,8 @@ private:
 /// needless "./". Absolute if a chain of files would make the name very long.
 CString shownFrom(const CString& from, const CString& folder, const CString& path, const FoundFile& file);
 
-/// Returns the folder of a file, links resolved, with a final slash; the current folder for standard input and devices.
-/// Unresolved if the folder can't be found.
+/// Returns the folder of a file, links resolved, with a final slash; the current folder for standard input and other
+/// open descriptors (/dev/fd/3). Unresolved if the folder can't be found.
 CString folderOf(const CString& fileName);
 
 /// Returns a file's name without its folder and its last suffix.

@@ -69,8 +69,8 @@ public:
     /// Makes room for `count` fields of a record that has none yet, so that its list isn't moved as it grows.
     void reserveFields(Element* record, std::size_t count);
 
-    /// Return null if there is none, if the name or key is empty, and findElement() also if elements don't merge by
-    /// name. Both are valid until clear(); a usage changes when tables are made.
+    /// Return the element of a name, and the usage of a key: null if there is none, if the name or key is empty, and
+    /// for an element also if elements don't merge by name. Valid until clear(); a usage changes when tables are made.
     Element* findElement(std::string_view name) const;
     ChildElement* findUsage(const Fingerprint& usageKey) { return usages.find(usageKey); }
 

@@ -88,8 +88,8 @@ public:
     explicit IXMLDOMElement(IXMLDOMNode node);
 
     /// Sets the attribute `name`: an existing one keeps its place, a new one comes last. The value is made fit for XML
-    /// (toXmlText); the name is used as it is. Linear in the attributes. The storage of a replaced value is freed with
-    /// the document.
+    /// (toXmlText); the name is used as it is. Linear in the attributes and the depth. The storage of a replaced value
+    /// is freed with the document.
     void setAttribute(std::string_view name, std::string_view value) const;
 };
 
@@ -151,8 +151,7 @@ public:
     /// Returns a new element of this document without a parent.
     IXMLDOMElement createElement(std::string_view name) const;
 
-    /// Appends the root element, or a comment or instruction, and returns it. Throws ComError as
-    /// IXMLDOMNode::appendChild() does.
+    /// Appends the root element and returns it. Throws ComError as IXMLDOMNode::appendChild() does.
     IXMLDOMNode appendChild(IXMLDOMNode child) const;
 
     /// Returns the document as XML, without a declaration.

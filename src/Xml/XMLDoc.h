@@ -8,7 +8,7 @@
 class XmlDocument
 {
 public:
-    /// Always usable: if there is no memory for a document, every load returns 0 with a queryParseError().
+    /// Doesn't fail: without memory for a document, setFile() returns 0, and queryParseError() is message 2205.
     XmlDocument();
 
     /// Replaces the document by a file's. Returns 1, or 0 with a queryParseError().

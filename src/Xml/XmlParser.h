@@ -155,11 +155,11 @@ public:
 /// the error. A file of more than `most` bytes is not read. External entities and subsets are never read. An exception
 /// of the handler ends the parse and passes through; XmlRefusal and std::bad_alloc become the error instead.
 ///
-/// Bounds, whose violation is an error with its place: entity expansion (ten times the bytes read, and a million
+/// Bounds, whose violation is an error with its place: entity expansion (ten times the bytes read, at least a million
 /// bytes); nesting (200,000 levels, 256 in a document that declares entities); attributes of one tag (10,000); names
 /// (4,096 bytes, and 100,000 different ones); namespaces in scope (4,096); and lists whose members libxml2 compares
-/// pairwise, that is attributes and enumerations (64 comparisons for each byte read). The progress handler is called
-/// while bytes are read, and its refusal throws Cancelled.
+/// pairwise, that is attributes and enumerations (64 comparisons for each byte read, at least 10^8). The progress
+/// handler is called while bytes are read, and its refusal throws Cancelled.
 ///
 /// libxml2 was chosen over expat, which is slower here, because it copies each name and value (docs/adr/xml-parser.md).
 std::optional<IXMLDOMParseError> parseXmlFile(const CString& fileName, XmlHandler& handler,
