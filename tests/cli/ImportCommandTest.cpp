@@ -236,7 +236,8 @@ TEST_F(ImportCommand, AnswersExactly)
           ""}},
         {"$import set/1.dtd set/2.dtd",
          {2, "", mistake("dtd reads one source at a time; with --full it reads several")}},
-        {"$import xsd --full set", {1, "", says("set: the folder holds no source for xsd")}},
+        {"$import xsd --full set",
+         {1, "", says("set: the folder holds no source for xsd; its subfolders were not searched")}},
         {"mkdir -p j/below; echo '{\"type\":\"record\",\"name\":\"A\",\"fields\":[]}' >j/a.AVSC; echo '{\"b\":1}' "
          ">j/below/b.jsonl; "
          "echo '{\"title\":\"T\",\"properties\":{\"u\":{\"$ref\":\"u.json\"}}}' >j/t.json; echo "

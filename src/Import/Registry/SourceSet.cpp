@@ -84,13 +84,24 @@ std::set<CString> importersIn(const CString& folder, bool isRecursive)
     throw std::runtime_error(folder + ": the folder holds " + reason);
 }
 
+// Refuses a folder without sources. Those of its subfolders may have been meant.
+[[noreturn]] void refuseEmptyFolder(const CString& folder, const CString& what, bool isRecursive)
+{
+    using Entries = std::filesystem::directory_iterator;
+    const bool hasUnread = !isRecursive && std::any_of(Entries(folder), Entries(), [](const auto& entry) {
+        std::error_code failure;
+        return entry.is_directory(failure);
+    });
+    refuseFolder(folder, "no " + what + (hasUnread ? "; its subfolders were not searched" : ""));
+}
+
 } // namespace
 
 MsgUIDescriptor& importerForFolder(const CString& folder, bool isRecursive)
 {
     const std::set<CString> words = importersIn(folder, isRecursive);
     if (words.empty())
-        refuseFolder(folder, "no source");
+        refuseEmptyFolder(folder, "source", isRecursive);
     CString list;
     for (const CString& word : words)
         list += (list.empty() ? "" : word == *words.rbegin() ? " and " : ", ") + word;
@@ -116,7 +127,7 @@ std::vector<CString> withoutFolders(const std::vector<CString>& sources, const M
             std::ranges::copy_if(filesIn(source, isRecursive), std::back_inserter(files),
                                  [&](const CString& file) { return isSourceOf(own, file); });
             if (files.size() == before)
-                refuseFolder(source, CString("no source for ") + own.querySource().word);
+                refuseEmptyFolder(source, CString("source for ") + own.querySource().word, isRecursive);
         } catch (const fs::filesystem_error& error) {
             throw std::runtime_error(source + ": " + error.code().message());
         }
