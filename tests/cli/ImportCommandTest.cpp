@@ -311,7 +311,8 @@ TEST_F(ImportCommand, AnswersExactly)
           "\\sys\\rosettanet\\r\\r\tr (Automatically created)\n",
           "none: error: No such file or directory\nr.dtd:1:2: error: StartTag: invalid element name\n"}},
         {"printf '<!ENTITY %% a \"IGNORE\"><!ENTITY %% b \"IGNORE\"><![%%a;[<!ELEMENT a (c)>]]><![ %%b; [<!ELEMENT b "
-         "(c)>]]><![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; $import dtd --full t.dtd; $import dtd --full t.dtd -l "
+         "(c)>]]><![%%a;[<!ELEMENT d (c)>]]>' >t.dtd; cp t.dtd s.dtd; $import dtd --full t.dtd s.dtd; $import dtd "
+         "--full t.dtd -l "
          "--entity a=INCLUDE -q; $import xsd --full x.xsd --entity a=b; $import dtd --full t.dtd --entity a; "
          "$import dtd --full t.dtd --entity a=b --entity a=c",
          {2, "\\sys\\rosettanet\\a\\d\td (Automatically created)\n\\sys\\rosettanet\\a\\a\ta (Automatically created)\n",

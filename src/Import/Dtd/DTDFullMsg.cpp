@@ -123,7 +123,8 @@ void DTDFullMessage::read(const CString& source, const CString& fileName, Source
         DTDTokens tokens(entities, begin(entities, types, files[i], texts[i]), report);
         reader.read(tokens);
         for (const std::string_view entity : tokens.querySectionEntities())
-            sectionEntities.emplace_back(entity);
+            if (!std::ranges::count(sectionEntities, entity)) // several DTDs may use the same entities
+                sectionEntities.emplace_back(entity);
         std::erase_if(unusedEntities, [&](const CString& name) { return entities.isUsed(name); });
     }
     reader.finish(sources, queryRoots());
