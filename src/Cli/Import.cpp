@@ -320,10 +320,10 @@ int runImport(Arguments arguments)
         return createOnBroker(
             *message, *importer,
             arguments.sources.size() > 1 && given != arguments.sources ? given.front() : files.front(), arguments);
-    const int status = writeResult(*message, arguments, diagnostics);
+    // Before the document: a new document with an old rule would be up to date for a build, whatever has changed.
     const DependencyOptions& dependencies = arguments.dependencies;
-    if (status == kDone && !dependencies.file.empty() &&
+    if (!dependencies.file.empty() &&
         !writeDependencies(message->queryReport(), files.front(), arguments.output, dependencies))
         return kNotWritten;
-    return status;
+    return writeResult(*message, arguments, diagnostics);
 }
