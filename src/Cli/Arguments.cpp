@@ -271,6 +271,8 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
     if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
         return word + " reads one source at a time" +
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");
+    if (arguments.isRecursive && (!importer.readsFolders() || (importer.hasFull() && !full)))
+        return "--recursive" + (importer.hasFull() ? " requires --full" : ": " + word + " reads no folders");
     if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
         return "--user has no effect without --create";
     if (!arguments.sourceLogon.user.empty() && !importer.querySource().readsTables)

@@ -468,6 +468,7 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import r.dtd --nonsense", {2, "", mistake("The following argument was not expected: --nonsense")}},
         {"$import a.xml --full", {2, "", mistake("--full: xml has no full reading")}},
         {"$import a.xml --root r", {2, "", mistake("--root: xml has no full reading")}},
+        {"$import dtd r.dtd --recursive", {2, "", mistake("--recursive requires --full")}},
         {"$import r.dtd -t x", {2, "", mistake("--table: dtd reads no tables")}},
         {"$import r.dtd --diff ''", {2, "", mistake("--diff: a name is missing")}},
         {"for i in - r.dtd; do XDG_DATA_HOME=. $import dtd $i --create local --overwrite ask <r.dtd; done",
