@@ -53,6 +53,10 @@ const Case kLosses[] = {
     {"TextBesideChildren", "<r><a>8</a>\n<a><![CDATA[9]]><b/></a></r>", "1:4 a"},
     {"AttributeCalledLikeAChild", "<r><x b='1'/><y/><x><x_b/></x></r>", "1:21 x_b"},
     {"AttributeCalledLikeAnElement", "<r><x_b/><x b='1'/><x b='1'/></r>", ""},
+    {"AttributesOfSeveralNamespaces", "<r>\n<a xmlns:n='u' n:k='1'/>\n<a k='1'/>\n<a k='1'/></r>", "3:1 a_k"},
+    {"RecordsOfSeveralNamespaces", "<r><x><b/></x><c>\n<x xmlns='u'><b/></x></c></r>", "2:1 x"},
+    {"FieldsOfSeveralNamespaces", "<r><n:x/>\n<m:x/>\n<c xmlns='u'><x/></c></r>", "2:1 x"},
+    {"OneNamespaceByTwoPrefixes", "<r xmlns:n='u'><n:x n:k='1'/><x xmlns='u' xmlns:m='u' m:k='1'/></r>", ""},
 };
 
 TEST_F(XMLData, TellsWhatTheModelDrops)

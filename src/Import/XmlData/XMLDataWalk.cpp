@@ -16,6 +16,7 @@ void XMLDataWalk::beginDocument(std::uint32_t number)
     file = number;
     open.assign(1, {nullptr, rootTag.empty() ? 0 : ++lastSequence, 0, 0});
     pairsByKey.clear(); // keys refer to names interned by the previous parser
+    spacesByAddress.clear();
 }
 
 // With several documents, the first tag by name is the root, whatever their order.
@@ -36,12 +37,12 @@ void XMLDataWalk::startElement(XmlName name, XmlAttributes attributes, const Xml
     const bool isRoot = !open.back().item;
     if (isRoot)
         setRootTag(name.qualified());
-    Pair& child = pairOf(open.back().item, name.local, false);
+    Pair& child = pairOf(open.back().item, name, scope.uri, false);
     addOccurrence(child);
     // Attributes are counted before the node opens: their keys end in the number of the element's parent, so the
     // attributes of siblings share a usage.
     for (std::size_t i = 0; i < attributes.size(); ++i)
-        addOccurrence(pairOf(child.item, attributes[i].name.local, true));
+        addOccurrence(pairOf(child.item, attributes[i].name, attributes.uriOf(i), true));
     if (isRoot)
         open.back().item = child.item;
     else
@@ -60,6 +61,47 @@ std::vector<XMLDataWalk::Declaration> XMLDataWalk::takeDeclarations()
     usages.clear();
     undecided = std::vector<Usage*>();
     return std::move(declarations);
+}
+
+// Returns the text of a namespace, the same one for all documents; null for none.
+const CString* XMLDataWalk::spaceOf(const char* uri)
+{
+    if (!uri)
+        return nullptr;
+    const auto [known, isNew] = spacesByAddress.try_emplace(uri);
+    if (isNew)
+        known->second = &*spaces.emplace(uri).first;
+    return known->second;
+}
+
+// Called only if the namespace differs from that of the pair's last occurrence, which is rare.
+void XMLDataWalk::noteSpace(Pair& pair, const char* uri)
+{
+    pair.uri = uri;
+    if (pair.otherSpace.line == 0 && spaceOf(uri) != pair.space)
+        pair.otherSpace = currentPlace();
+}
+
+// Reports names that share a field or a record with an equal name of another namespace. The contents of a reported
+// element are not reported again, because every name differs between two versions of a message.
+void XMLDataWalk::reportMergedSpaces(const TypeModel& model) const
+{
+    std::vector<std::pair<SourcePlace, const Pair*>> merges;
+    for (const Pair& pair : pairs) {
+        if (!pair.item)
+            continue;
+        const bool sharesRecord = !pair.key.isAttribute && pair.space != pair.item->element->space &&
+                                  model.findElement(pair.item->name)->queryType() == Element::typeRow;
+        if (sharesRecord || pair.otherSpace.line != 0)
+            merges.emplace_back(sharesRecord ? pair.first : pair.otherSpace, &pair);
+    }
+    std::ranges::stable_sort(merges, {}, &std::pair<SourcePlace, const Pair*>::first);
+    std::unordered_set<const Item*> merged;
+    for (const auto& [place, pair] : merges) {
+        if (!merged.contains(pair->key.parent))
+            report.add(SourceReport::mergedByName, place, pair->item->name);
+        merged.insert(pair->item);
+    }
 }
 
 // The model makes one table for each element, and a single document puts it only into the record in which the element
@@ -89,6 +131,7 @@ void XMLDataWalk::reportLosses(const TypeModel& model) const
             report.add(isRepeated ? SourceReport::repetitionSkipped : SourceReport::inventedRepetition,
                        isRepeated ? pair.repeated : pair.first, name);
     }
+    reportMergedSpaces(model);
 }
 
 // Counts an occurrence. It is the first of a key if the key's last usage belongs to another node.
@@ -178,21 +221,25 @@ void XMLDataWalk::endElement()
 
 // Returns the pair of a name under a parent. The guess usually succeeds, because most nodes repeat the contents of the
 // previous node of the same name.
-XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, const char* local, bool isAttribute)
+XMLDataWalk::Pair& XMLDataWalk::pairOf(Item* parent, XmlName name, const char* uri, bool isAttribute)
 {
-    const PairKey key{parent, local, file, isAttribute};
+    const PairKey key{parent, name.local, file, isAttribute};
+    if (!uri)
+        uri = name.prefix; // an undeclared prefix
     Pair*& guess = latest->follower;
     if (!guess || guess->key != key) {
         const std::uint32_t hash = keyHash(key);
         Pair* const known = pairsByKey.find(key, hash);
-        guess = known ? known : &addPair(key, hash);
+        guess = known ? known : &addPair(key, hash, uri);
     }
+    if (guess->uri != uri)
+        noteSpace(*guess, uri);
     return *(latest = guess);
 }
 
 // Adds a pair. In a single document attributes and children have one separator, so an attribute `x` of `a` and a child
 // `x` of `a` may share a key; the types of existing documents depend on that. In a set no two pairs share one.
-XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
+XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash, const char* uri)
 {
     const CString parentName = key.parent ? key.parent->name : CString();
     Item& item = itemNamed(key.isAttribute ? parentName + "_" + key.local : CString(key.local));
@@ -201,10 +248,14 @@ XMLDataWalk::Pair& XMLDataWalk::addPair(const PairKey& key, std::uint32_t hash)
         item.attributeOf = key.parent;
     Usage& usage = usageOf(RunningHash(parentName).append(separator).append(key.local));
     const bool isKnown = isBody && usage.pair; // from an earlier document
-    Pair& pair = isKnown
-                     ? *usage.pair
-                     : pairs.emplace_back(Pair{.key = key, .item = &item, .usage = &usage, .first = currentPlace()});
+    Pair& pair =
+        isKnown ? *usage.pair
+                : pairs.emplace_back(
+                      Pair{.key = key, .item = &item, .usage = &usage, .first = currentPlace(), .space = spaceOf(uri)});
     pair.key = key;
+    noteSpace(pair, uri); // in another document, the same address may be another namespace
+    if (!key.isAttribute && !item.element)
+        item.element = &pair;
     pairsByKey.store(&pair, hash);
     return pair;
 }

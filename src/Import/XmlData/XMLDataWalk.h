@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <deque>
 #include <limits>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 /// Reads an instance document as a stream, and keeps only what changes the model.
@@ -41,6 +43,7 @@ public:
         std::uint64_t firstRepeated = kNever; ///< moment of its first usage that occurred more than once
         const Pair* table = nullptr;          ///< the pair of that usage
         const Item* attributeOf = nullptr;    ///< the element whose attribute it is
+        const Pair* element = nullptr;        ///< its first pair as an element
         SourcePlace first{};                  ///< where it first occurred
         bool hasText = false;
     };
@@ -85,7 +88,7 @@ public:
         friend bool operator==(const PairKey&, const PairKey&) = default;
     };
 
-    /// All occurrences of a name under a parent's name.
+    /// All occurrences of a name under a parent's name, whatever their namespaces.
     struct Pair
     {
         const PairKey& queryKey() const { return key; }
@@ -99,12 +102,15 @@ public:
 
         PairKey key;
         Item* item;
-        Usage* usage;                ///< of this pair's key; other pairs may share it
-        Pair* follower = nullptr;    ///< the pair that came after it last time
-        bool isLinked = false;       ///< its link to the parent is declared
-        bool isKeptRepeated = false; ///< in a set: a repeating declaration of it is kept
-        SourcePlace first{};         ///< where it first occurred
-        SourcePlace repeated{};      ///< where it first occurred more than once; line 0 if it never did
+        Usage* usage;                   ///< of this pair's key; other pairs may share it
+        Pair* follower = nullptr;       ///< the pair that came after it last time
+        bool isLinked = false;          ///< its link to the parent is declared
+        bool isKeptRepeated = false;    ///< in a set: a repeating declaration of it is kept
+        SourcePlace first{};            ///< where it first occurred
+        SourcePlace repeated{};         ///< where it first occurred more than once; line 0 if it never did
+        const char* uri = nullptr;      ///< namespace of the latest occurrence, as interned by its parser
+        const CString* space = nullptr; ///< namespace of the first occurrence; null if it has none
+        SourcePlace otherSpace{};       ///< where it first occurred in another one; line 0 if it never did
     };
 
     /// An element to declare: for a usage, or only for a link under a key that another usage has.
@@ -141,8 +147,8 @@ public:
     std::vector<Declaration> takeDeclarations();
 
     /// Reports what `model`, which holds the declarations, doesn't represent: text of records, elements that repeat and
-    /// are single fields, and attributes that share the element of a record or the field of a child. Call it before the
-    /// model makes tables.
+    /// are single fields, attributes that share the element of a record or the field of a child, and equal names of
+    /// several namespaces. Call it before the model makes tables.
     void reportLosses(const TypeModel& model) const;
 
 private:
@@ -158,10 +164,13 @@ private:
     SourcePlace currentPlace() const { return placeOf(locator->tagStart()); }
     SourcePlace placeOf(XmlPlace place) const { return {file, place.line, place.column}; }
     // Find an entry, or make it. References stay valid.
-    Pair& pairOf(Item* parent, const char* local, bool isAttribute);
-    Pair& addPair(const PairKey& key, std::uint32_t hash);
+    Pair& pairOf(Item* parent, XmlName name, const char* uri, bool isAttribute);
+    Pair& addPair(const PairKey& key, std::uint32_t hash, const char* uri);
     Item& itemNamed(CString name);
     Usage& usageOf(const Fingerprint& key);
+    const CString* spaceOf(const char* uri);
+    void noteSpace(Pair& pair, const char* uri);
+    void reportMergedSpaces(const TypeModel& model) const;
     void setRootTag(CString tag);
     // Count an occurrence in the current node.
     void addOccurrence(Pair& pair);
@@ -182,7 +191,9 @@ private:
     Pair* latest; // the pair that occurred last
     std::deque<Usage> usages;
     KeyedTable<Usage, &Usage::queryKey, Fingerprint> usagesByKey;
-    std::vector<Node> open; // from the root to the current node
+    std::unordered_set<CString, KeyHash> spaces;                     // namespaces of all documents
+    std::unordered_map<const char*, const CString*> spacesByAddress; // those of the current one, as interned
+    std::vector<Node> open;                                          // from the root to the current node
 
     // A node nested in one of the same name has the same keys except for the sequence number. The outer node's usages
     // of such keys are saved here, and restored when the inner one ends.
