@@ -61,7 +61,7 @@ const Rule kRules[] = {
      "6 details\nx:1:42: name changed: k is k_k\nx:1:76: name changed: k is j_k\n\n3 default values\n2 names "
      "changed\n1 optional part\n"},
     {"EnumerationsAreTheirConstants",
-     "<!ELEMENT r (a)><!ELEMENT a EMPTY><!ATTLIST r u ( yes | no ) 'no' v (-1|yes.no) #REQUIRED w () #IMPLIED>"
+     "<!ELEMENT r (a)><!ELEMENT a EMPTY><!ATTLIST r u ( yes | no ) 'no' v (-1|yes.no) #REQUIRED w CDATA #IMPLIED>"
      "<!ATTLIST a u (yes|no) #IMPLIED>",
      "v{-1|yes.no} u{yes|no} a(a_u:u) r(a:a r_u:u r_v:v r_w:String)",
      "3 details\n\n2 optional parts\n1 default value\n"},
@@ -87,8 +87,9 @@ const Rule kRules[] = {
      "r(a:String r_b:String r_c:String)", "2 details\n\n2 optional parts\n"},
     {"EntitiesBetweenAndInsideDeclarations",
      "<!ENTITY % n 'r'><!ENTITY % m \"(a|%n;-b)\"><!Entity % t '<!ELEMENT a EMPTY><!ATTLIST %n; %l;>'>"
-     "<!ENTITY % l 'c CDATA'><!ENTITY % l 'd CDATA'><!ELEMENT %n; %m;*>%t;<!ELEMENT r-b EMPTY>",
-     "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)", "2 details\n\n1 optional part\n1 choice\n"},
+     "<!ENTITY % l 'c CDATA \"\"'><!ENTITY % l 'd CDATA'><!ELEMENT %n; %m;*>%t;<!ELEMENT r-b EMPTY>",
+     "t_r-b[String] t_a[String] r(a:t_a r-b:t_r-b r_c:String)",
+     "3 details\n\n1 optional part\n1 choice\n1 default value\n"},
     {"ReferencesThatAValueHides",
      "<!ENTITY % a '&#37;b;&#x2C;c'><!ENTITY % b 'd'><!ELEMENT r (%a;)><!ELEMENT c EMPTY><!ELEMENT d EMPTY>",
      "r(d:String c:String)"},
@@ -171,6 +172,25 @@ const Rule kRules[] = {
      "1 loss\ne:2:21: reference to nothing that was read: c\n\n1 reference became text\n",
      {{"e", "<?xml version='1.0'\nencoding='UTF-8'?>a,c"}, {"f", "<?xml encoding='windows-1258'?>b"}}},
     {"ALeafIsARecordOfItsValue", "<!ELEMENT a (#PCDATA)>", "a(value:String)"},
+    {"AttributesHaveATypeAndADefault",
+     "<!ELEMENT r EMPTY>\n<!ATTLIST r a CDATA b CDATA #IMPLIED>\n<!ATTLIST r c FOO #IMPLIED>\n<!ATTLIST r d () 'x'>\n"
+     "<!ATTLIST r e NOTATION #IMPLIED>\n<!ATTLIST r f (p|p|q) #OPTIONAL>\n<!ATTLIST r g CDATA>\n"
+     "<!ATTLIST r h %no; i NOTATION %no; j (%no;) #CURRENT k CDATA %no;>\n<!ATTLIST r l",
+     "f{p|q} r(r_a:String r_c:String r_d:String r_e:String r_f:f r_g:String r_h:String r_i:String r_j:String "
+     "r_k:String)",
+     "11 losses\nx:2:1: declaration that makes no sense: r\nx:3:1: declaration that makes no sense: r\nx:4:1: "
+     "declaration "
+     "that makes no sense: r\nx:5:1: declaration that makes no sense: r\nx:6:1: declaration that makes no sense: "
+     "r\nx:7:1: declaration that makes no sense: r\nx:8:15: entity declared nowhere: no\nx:8:31: entity declared "
+     "nowhere: "
+     "no\nx:8:39: entity declared nowhere: no\nx:8:62: entity declared nowhere: no\nx:9:1: comment or declaration "
+     "without "
+     "an end: ATTLIST\n\n4 details\n\n6 declarations not understood\n4 undeclared entities\n1 comment or declaration "
+     "without an end\n2 optional parts\n2 default values\n"},
+    {"AGroupHasOneKindOfConnector", "<!ELEMENT r (a,b|c)><!ELEMENT s (a,%no;|c)><!ELEMENT (a|b|c) EMPTY>",
+     "s(a:String c:String) r(a:String b:String c:String)",
+     "2 losses\nx:1:1: declaration that makes no sense: r\nx:1:36: entity declared nowhere: no\n\n1 undeclared "
+     "entity\n1 declaration not understood\n"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
      "1 loss\nx:1:1: type without a declaration: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
     // Each file has its own encoding: a byte order mark, a declared one, UTF-8, else Windows-1252.

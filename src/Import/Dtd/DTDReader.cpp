@@ -156,16 +156,17 @@ bool DTDReader::readContent(bool& holdsText)
 }
 
 // Reads a content model from its first '('. It is reported if it doesn't end, if names and connectors don't alternate,
-// or if a '#' begins another word than PCDATA; what was read is used. A missing entity may have held the missing part.
+// if a group has two kinds of connectors, or if a '#' begins another word than PCDATA; what was read is used. A missing
+// entity may have held the missing part.
 bool DTDReader::readGroup(bool& holdsText)
 {
-    std::size_t depth = 0;
+    CString connectors; // of the open groups; '(' as long as a group has none
     bool needsItem = true, isMalformed = false;
     const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
             noteMalformed(names.front());
-            for (; depth > 0; --depth)
+            for (; !connectors.empty(); connectors.pop_back())
                 model.endGroup(false);
             return true;
         }
@@ -175,6 +176,7 @@ bool DTDReader::readGroup(bool& holdsText)
         const bool isItem = kind == DTDTokens::tokenWord || isText || mark == '(';
         const bool isConnector = mark == '|' || mark == ',' || mark == '&';
         isMalformed |= !token.followsUnknown && (isItem ? !needsItem : needsItem || !(isConnector || mark == ')'));
+        isMalformed |= !token.followsUnknown && isConnector && connectors.back() != '(' && connectors.back() != mark;
         needsItem = mark == '(' || isConnector;
         if (kind == DTDTokens::tokenWord) {
             readChild();
@@ -182,29 +184,32 @@ bool DTDReader::readGroup(bool& holdsText)
         }
         holdsText |= isText;
         tokens->next();
-        readGroupMark(mark, depth);
-    } while (depth > 0);
+        readGroupMark(mark, connectors);
+    } while (!connectors.empty());
     if (isMalformed)
         noteMalformed(names.front());
     return true;
 }
 
-// decide() returns true for the first connector of a group, so each choice counts once.
-void DTDReader::readGroupMark(char mark, std::size_t& depth)
+// The first connector of a group decides what it is, so each choice counts once.
+void DTDReader::readGroupMark(char mark, CString& connectors)
 {
     switch (mark) {
     case '(':
-        ++depth;
+        connectors += mark;
         return model.beginGroup(ContentModel::undecided);
     case ')':
-        --depth;
+        connectors.pop_back();
         return model.endGroup(readMark());
     case '|':
-        return report.count(SourceReport::alternatives, model.decide(ContentModel::choice));
     case '&':
-        return report.count(SourceReport::anyOrder, model.decide(ContentModel::sequence));
     case ',':
-        model.decide(ContentModel::sequence);
+        if (connectors.back() != '(')
+            return;
+        connectors.back() = mark;
+        model.decide(mark == '|' ? ContentModel::choice : ContentModel::sequence);
+        report.count(SourceReport::alternatives, mark == '|');
+        report.count(SourceReport::anyOrder, mark == '&');
     }
 }
 

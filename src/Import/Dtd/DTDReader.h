@@ -102,10 +102,11 @@ private:
     bool isReached(SourceReport::Component component, const std::vector<bool>& reached) const;
     bool readContent(bool& holdsText);
     bool readGroup(bool& holdsText);
-    void readGroupMark(char mark, std::size_t& depth);
+    void readGroupMark(char mark, CString& connectors);
     void readChild();
     bool readMark();
     void declareElement(Element& element, Index firstContent, bool holdsText);
+    void noteIncomplete();
     bool readAttribute();
     SourceTypes::Type readAttributeType(std::string_view attribute);
     SourceTypes::Type readConstants(std::string_view attribute);

@@ -1,7 +1,23 @@
 #include "Import/Dtd/DTDReader.h"
 
+#include <algorithm>
+#include <span>
+#include <unordered_set>
+
 // Reads lists of attributes, in XML and SGML.
 namespace {
+
+// The words of a declaration: the types of attributes in XML, then those of SGML (ISO 8879, production [145]), and the
+// defaults (productions [147]).
+constexpr std::string_view kAttributeTypes[] = {"CDATA",    "ID",      "IDREF",    "IDREFS",  "ENTITY",
+                                                "ENTITIES", "NMTOKEN", "NMTOKENS", "NAME",    "NAMES",
+                                                "NUMBER",   "NUMBERS", "NUTOKEN",  "NUTOKENS"};
+constexpr std::string_view kDefaults[] = {"IMPLIED", "REQUIRED", "FIXED", "CURRENT", "CONREF"};
+
+bool isWordOf(std::string_view word, std::span<const std::string_view> words)
+{
+    return std::ranges::any_of(words, [word](std::string_view known) { return isSameAscii(word, known); });
+}
 
 // Namespace declarations are not data, so they get no fields.
 bool isNamespace(std::string_view attribute)
@@ -20,21 +36,33 @@ void DTDReader::readAttlist()
     }
     while (!tokens->token().isEnd())
         if (!readAttribute()) {
-            noteMalformed(names.front());
+            noteIncomplete();
             return;
         }
 }
 
+// Reports that the current token isn't the part of the declaration that should be there, unless a missing entity may
+// have held that part. A declaration without an end is reported as such.
+void DTDReader::noteIncomplete()
+{
+    const DTDTokens::Token& token = tokens->token();
+    if (!token.followsUnknown && token.kind != DTDTokens::tokenMissing)
+        noteMalformed(names.front());
+}
+
 // Reads an attribute: its name, type and default. A missing entity may have held the type, or both. Returns false if
-// there is no name.
+// there is no name or no type.
 bool DTDReader::readAttribute()
 {
-    if (tokens->token().kind != DTDTokens::tokenWord || !isXmlName(tokens->token().text))
+    const DTDTokens::Token& token = tokens->token();
+    if (token.kind != DTDTokens::tokenWord || !isXmlName(token.text))
         return false;
-    const std::string_view name = tokens->token().text;
+    const std::string_view name = token.text;
     tokens->next();
+    if (token.kind != DTDTokens::tokenWord && !token.isMark('(') && !token.followsUnknown)
+        return false;
     SourceTypes::Type type;
-    if (tokens->token().kind != DTDTokens::tokenWord || !tokens->token().followsUnknown) {
+    if (token.kind != DTDTokens::tokenWord || !token.followsUnknown) {
         type = readAttributeType(name);
         readDefault();
     }
@@ -49,27 +77,40 @@ bool DTDReader::readAttribute()
 // because it has no effect on types.
 SourceTypes::Type DTDReader::readAttributeType(std::string_view attribute)
 {
-    if (tokens->token().isMark('('))
+    const DTDTokens::Token& token = tokens->token();
+    if (token.isMark('('))
         return readConstants(attribute);
-    if (tokens->token().kind != DTDTokens::tokenWord)
+    if (token.kind != DTDTokens::tokenWord)
         return {};
-    const bool isNotation = isSameAscii(tokens->token().text, "NOTATION");
+    const bool isNotation = isSameAscii(token.text, "NOTATION");
+    if (!isNotation && !isWordOf(token.text, kAttributeTypes))
+        noteMalformed(names.front());
     tokens->next();
-    if (isNotation && tokens->token().isMark('('))
+    if (isNotation && token.isMark('('))
         readConstants(attribute);
+    else if (isNotation)
+        noteIncomplete();
     return {};
 }
 
-// Reads the words of a list from its '('. Anything else in it, such as a literal, is skipped and reported.
+// Reads the words of a list from its '(', each once. Anything else in it, such as a literal, is skipped and reported.
 SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
 {
     constants.clear();
+    std::unordered_set<std::string_view, KeyHash> met;
     const DTDTokens::Token& token = tokens->token();
-    for (tokens->next(); !token.isEnd() && !token.isMark(')'); tokens->next())
-        if (token.kind == DTDTokens::tokenWord || token.isMark('-')) // a '-' alone is a word
-            constants.push_back({token.isMark('-') ? "-" : token.text});
-        else if (!token.isMark('|') && !token.isMark(',') && !token.isMark('&'))
+    for (tokens->next(); !token.isEnd() && !token.isMark(')'); tokens->next()) {
+        const bool isDash = token.isMark('-'); // a '-' alone is a word
+        const std::string_view word = isDash ? "-" : token.text;
+        if (isDash || token.kind == DTDTokens::tokenWord) {
+            if (met.insert(word).second)
+                constants.push_back({word});
+        } else if (!token.isMark('|') && !token.isMark(',') && !token.isMark('&')) {
             noteMalformed(names.front());
+        }
+    }
+    if (constants.empty())
+        noteIncomplete();
     if (token.isMark(')'))
         tokens->next();
     return constants.empty()
@@ -77,12 +118,15 @@ SourceTypes::Type DTDReader::readConstants(std::string_view attribute)
                : SourceTypes::Type{SourceTypes::kindEnumeration, types.addEnumeration({attribute}, constants)};
 }
 
+// Reads the default of an attribute. A missing entity may have held it.
 void DTDReader::readDefault()
 {
     const DTDTokens::Token& token = tokens->token();
     const bool isReserved = token.kind == DTDTokens::tokenReserved;
     const bool isFixed = isReserved && isSameAscii(token.text, "FIXED");
     report.count(SourceReport::optionality, isReserved && isSameAscii(token.text, "IMPLIED"));
+    if (isReserved && !isWordOf(token.text, kDefaults))
+        noteMalformed(names.front());
     if (isReserved)
         tokens->next();
     if (isReserved && !isFixed)
@@ -91,7 +135,7 @@ void DTDReader::readDefault()
     // as the next attribute, because the entity may have held the default.
     const bool isWord = token.kind == DTDTokens::tokenWord && !token.followsUnknown;
     if (!isWord && token.kind != DTDTokens::tokenLiteral)
-        return;
+        return noteIncomplete();
     report.count(SourceReport::defaultValue);
     tokens->next();
 }
