@@ -131,21 +131,22 @@ const Rule kRules[] = {
     {"SgmlsWays",
      "<!ENTITY % t '#PCDATA'>\n<!element (H1|H2) - - (%t|B)* -- it's a heading --><!ELEMENT B - O EMPTY>\n"
      "<!ELEMENT r O O (H1 & H2?) +(I) -(B)><!ELEMENT I - - CDATA +(B)>"
-     "<!ATTLIST (r|B) n NUMBER 1 -- %no; -- s NAME #CURRENT c (c) c>",
+     "<!ATTLIST (r|B) n NUMBER 1 -- %no; -- s NAME #CURRENT c (c) c>"
+     "<!SHORTREF m '<' e \"&#RS;\" f><!usemap m (H1|H2)>",
      "c{c} B(B_n:String B_s:String B_c:c) t_B[B] H1(value:String B:t_B) H2(value:String B:t_B) "
      "r(H1:H1 H2:H2 r_n:String r_s:String r_c:c)",
-     "10 details\nx:2:1: mixed content (order of text lost): H1\nx:2:1: mixed content (order of text lost): H2\nx:3:1: "
+     "12 details\nx:2:1: mixed content (order of text lost): H1\nx:2:1: mixed content (order of text lost): H2\nx:3:1: "
      "SGML exception: r\nx:3:38: SGML exception: I\n\n2 SGML exceptions\n2 mixed contents\n2 optional parts\n2 default "
-     "values\n1 choice\n1 content in any order\n"},
+     "values\n2 general entities\n1 choice\n1 content in any order\n"},
     {"WhatMakesNoSenseIsSkipped",
      "<!ELEMENT><!ELEMENT 1 (a)>\n<!ELEMENT r (a,=,b) <!ELEMENT a EMPTY>\n<!ATTLIST r = CDATA #IMPLIED>"
-     "<!ATTLIST r c CDATA \"x><!ELEMENT b (d><!SHORTREF x>]]> > <\n<![ x <!ENTITY % 'x'>\n<!ENTITY x 'y'><!NOTATION z "
+     "<!ATTLIST r c CDATA \"x><!ELEMENT b (d><!LINKTYPE x>]]> > <\n<![ x <!ENTITY % 'x'>\n<!ENTITY x 'y'><!NOTATION z "
      "SYSTEM 'z'><!ELEMENT d EMPTY><!-- <!ELEMENT",
      "b(d:String) r(a:String b:b r_c:String)",
      "10 losses\nx:1:1: declaration that makes no sense: ELEMENT without a name\nx:1:11: declaration that makes no "
      "sense: ELEMENT without a name\nx:2:1: declaration that makes no sense: =\nx:3:1: declaration that makes no "
      "sense: r\nx:3:30: declaration that makes no sense: r\nx:3:53: declaration that makes no sense: b\nx:3:68: "
-     "unknown statement: SHORTREF\nx:4:1: declaration that makes no sense: section without '['\nx:4:7: "
+     "unknown statement: LINKTYPE\nx:4:1: declaration that makes no sense: section without '['\nx:4:7: "
      "declaration that makes no sense: ENTITY without a name\nx:5:58: comment or declaration without an end: "
      "comment\n\n2 details\n\n8 declarations not understood\n1 statement not understood\n1 comment or declaration "
      "without an end\n1 general entity\n1 notation\n"},

@@ -7,8 +7,10 @@
 // understood is reported, and reading continues after its '>', so that one mistake costs one declaration.
 
 const DTDReader::Declaration DTDReader::kDeclarations[] = {
-    {"ELEMENT", &DTDReader::readElement},   {"ATTLIST", &DTDReader::readAttlist}, {"ENTITY", &DTDReader::readEntity},
-    {"NOTATION", &DTDReader::readNotation}, {"DOCTYPE", &DTDReader::readDoctype},
+    {"ELEMENT", &DTDReader::readElement},       {"ATTLIST", &DTDReader::readAttlist},
+    {"ENTITY", &DTDReader::readEntity},         {"NOTATION", &DTDReader::readNotation},
+    {"DOCTYPE", &DTDReader::readDoctype},       {"SHORTREF", &DTDReader::readShortReference},
+    {"USEMAP", &DTDReader::readShortReference},
 };
 
 void DTDReader::read(DTDTokens& source)
@@ -312,11 +314,6 @@ bool DTDReader::readExternalId(std::string_view& publicId, std::string_view& sys
     if (token.kind == DTDTokens::tokenLiteral)
         systemId = token.text;
     return true;
-}
-
-void DTDReader::readNotation()
-{
-    report.count(SourceReport::notation);
 }
 
 // Reads a DOCTYPE. The declarations in its brackets come first, so they take precedence over those of the DTD that it

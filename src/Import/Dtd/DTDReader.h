@@ -91,7 +91,9 @@ private:
     void readAttlist();
     void readEntity();
     bool readExternalId(std::string_view& publicId, std::string_view& systemId);
-    void readNotation();
+    void readNotation() { report.count(SourceReport::notation); }
+    // SGML's short references stand for general entities in messages.
+    void readShortReference() { report.count(SourceReport::generalEntity); }
     void readDoctype();
     // The read functions read from the current token on, and stop at the first one that they don't understand. Those
     // that return bool return false for a fault, except readMark().
