@@ -138,6 +138,16 @@ const Rule kRules[] = {
      "12 details\nx:2:1: mixed content (order of text lost): H1\nx:2:1: mixed content (order of text lost): H2\nx:3:1: "
      "SGML exception: r\nx:3:38: SGML exception: I\n\n2 SGML exceptions\n2 mixed contents\n2 optional parts\n2 default "
      "values\n2 general entities\n1 choice\n1 content in any order\n"},
+    {"ANameInAMissingEntity",
+     "<!ENTITY % s '%p;r'><!ELEMENT %s; (a)><!ATTLIST %s; k CDATA #IMPLIED>\n<!ELEMENT %a.name; EMPTY>\n"
+     "<!ELEMENT %a.name; O O ANY>\n<!ATTLIST %a.name; id ID #IMPLIED>",
+     "r(a:String r_k:String)",
+     "8 losses\nx:1:15: entity declared nowhere: p\nx:2:11: entity declared nowhere: a.name\nx:2:1: declaration that "
+     "makes no sense: ELEMENT without a name\nx:3:11: entity declared nowhere: a.name\nx:3:1: declaration that makes "
+     "no "
+     "sense: ELEMENT without a name\nx:4:11: entity declared nowhere: a.name\nx:4:1: declaration that makes no sense: "
+     "ATTLIST without a name\nx:1:36: reference to nothing that was read: a\n\n1 detail\n\n4 undeclared entities\n3 "
+     "declarations not understood\n1 reference became text\n1 optional part\n"},
     {"WhatMakesNoSenseIsSkipped",
      "<!ELEMENT><!ELEMENT 1 (a)>\n<!ELEMENT r (a,=,b) <!ELEMENT a EMPTY>\n<!ATTLIST r = CDATA #IMPLIED>"
      "<!ATTLIST r c CDATA \"x><!ELEMENT b (d><!LINKTYPE x>]]> > <\n<![ x <!ENTITY % 'x'>\n<!ENTITY x 'y'><!NOTATION z "

@@ -63,7 +63,7 @@ DTDReader::Element& DTDReader::elementNamed(std::string_view name)
 bool DTDReader::readNames()
 {
     names.clear();
-    const bool isRead = readNameGroup();
+    const bool isRead = !tokens->token().isApart && readNameGroup(); // a missing entity holds the names
     enterComponent(names);
     return isRead;
 }

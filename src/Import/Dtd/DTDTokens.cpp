@@ -252,12 +252,12 @@ void DTDTokens::skipSection()
 // Checks for cancellation, too, because a single declaration can be as long as the DTD.
 const DTDTokens::Token& DTDTokens::next()
 {
-    current.followsUnknown = false;
+    current.followsUnknown = current.isApart = false;
     cancelPoint.pass();
     for (;;) {
         Frame& frame = frames.back();
-        while (frame.at < frame.end && kDtdBlank.has(*frame.at))
-            ++frame.at;
+        for (; frame.at < frame.end && kDtdBlank.has(*frame.at); ++frame.at)
+            current.isApart = current.followsUnknown;
         if (frame.at == frame.end) {
             // A declaration continues after a reference in it, but not after the text in which it began.
             if (frames.size() > base) {

@@ -28,6 +28,7 @@ public:
         Kind kind = tokenMissing;
         char mark = '\0';
         bool followsUnknown = false; ///< it follows a missing entity, which may have held any tokens
+        bool isApart = false;        ///< there is a blank between the two
         std::string_view text;
 
         bool isMark(char c) const { return kind == tokenMark && mark == c; }
