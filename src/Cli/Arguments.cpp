@@ -131,10 +131,10 @@ void addSourceOptions(CLI::App& app, Arguments& arguments, std::vector<CString>&
     app.add_option("SOURCE", words,
                    "  IMPORTER                  dtd, xml, xsd, btd, odbc, wsdl, jsonschema,\n"
                    "                            openapi, avro or json (default: by the source)\n"
-                   "  SOURCE                    A file, - for standard input; for odbc a data source\n"
-                   "                            name or a connection string; any number of files and\n"
-                   "                            folders for all but btd, odbc, and dtd and xsd\n"
-                   "                            without --full\n"
+                   "  SOURCE                    A file, or - for standard input; for odbc a data\n"
+                   "                            source name or a connection string. Several files\n"
+                   "                            and folders make one source: for dtd and xsd with\n"
+                   "                            --full, for btd and odbc never\n"
                    "  @FILE                     Read further arguments from this file, one per line\n");
     app.add_flag("--recursive", arguments.isRecursive, "Include the files of subfolders");
     app.add_option("-t,--table", arguments.tables,
@@ -221,10 +221,10 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
                     "odbc: read that password from this file's first line");
     addReadingOptions(group("Reading"), arguments);
     addOutputOptions(group("Output"), arguments);
-    addLogonOptions(group("Broker"), arguments.logon, "--user",
-                    "Log on as this user (without --create: to the database)",
+    addCreateOptions(group("Broker"), arguments.create);
+    addLogonOptions(app, arguments.logon, "--user", "Log on as this user (without --create: to the database)",
                     "Read the password from this file's first line");
-    addCreateOptions(app, arguments.create);
+    app.get_option("--user")->excludes("--trusted");
     addOtherOptions(group("Other"), arguments, answer);
     try {
         std::vector<CString> given = argumentsOf(argc, argv, arguments.argumentFiles);

@@ -112,9 +112,7 @@ void addCreateOptions(CLI::App& app, CreateOptions& options)
             ->type_name("SERVER[:PORT]")
             ->check(CLI::Validator(addressError, ""))
             ->excludes("--output", "--list", "--type", "--graph", "--diff");
-    app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")
-        ->needs(create)
-        ->excludes("--user");
+    app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")->needs(create);
     app.add_flag("--dry-run", options.isDryRun, "Print what would happen to each type; create none")->needs(create);
     app.add_option("--overwrite", options.overwrite,
                    "Replace existing types: all, none or ask (default: ask on a terminal, else keep)")

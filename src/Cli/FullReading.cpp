@@ -92,7 +92,9 @@ CString FullOptions::usageErrorFor(std::size_t sourceCount) const
 // A repeatable option takes one value each time (allow_extra_args(false)), so that the next word is a source.
 void addFullOptions(CLI::App& app, FullOptions& options)
 {
-    CLI::Option* const full = app.add_flag("--full", options.isWanted, "dtd, xsd: apply all rules of the language");
+    CLI::Option* const full =
+        app.add_flag("--full", options.isWanted,
+                     "dtd, xsd: apply all rules of the language; wsdl and the importers of JSON always do");
     app.add_option("--root", options.roots, "With --full: import only NAME and what it uses; repeatable")
         ->type_name("NAME")
         ->allow_extra_args(false);
