@@ -114,5 +114,5 @@ CString shownText(std::string_view text);
 bool isXmlName(std::string_view text);
 
 /// Returns `text` as the name of an XML element: each character that isn't allowed at its place becomes "_", also a
-/// colon that no local name follows, which parsers with namespaces refuse. Returns "_" for the empty text.
+/// colon after other characters that no local name follows. Returns "_" for the empty text.
 CString toXmlName(std::string_view text);
