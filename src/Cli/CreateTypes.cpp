@@ -107,11 +107,11 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool kept
 
 void addCreateOptions(CLI::App& app, CreateOptions& options)
 {
-    CLI::Option* const create =
-        app.add_option("--create", options.address, "Create the types in the broker at this address")
-            ->type_name("SERVER[:PORT]")
-            ->check(CLI::Validator(addressError, ""))
-            ->excludes("--output", "--list", "--type", "--graph", "--diff");
+    CLI::Option* const create = app.add_option("--create", options.address,
+                                               "Create the types in the broker at this address (default port: 7250)")
+                                    ->type_name("SERVER[:PORT]")
+                                    ->check(CLI::Validator(addressError, ""))
+                                    ->excludes("--output", "--list", "--type", "--graph", "--diff");
     app.add_flag("--trusted", options.trusted, "Log on as the current user (default)")->needs(create);
     app.add_flag("--dry-run", options.isDryRun, "Print what would happen to each type; create none")->needs(create);
     app.add_option("--overwrite", options.overwrite,
