@@ -375,10 +375,13 @@ const Rule kRules[] = {
      "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
      "xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning'>" ROOT(
          SEQUENCE("<element name='a' type='t:A'/><element name='b' vc:minVersion='1.2'/><element name='c' "
-                  "vc:minVersion='1.1'/><element name='d' vc:maxVersion='1.1'><annotation/></element>"))
-         SIMPLE("A' vc:maxVersion='1.1", "<restriction base='int'/>")
-             SIMPLE("A", "<restriction base='date'/>") "</schema>",
-     "r(a:Time c:String)"},
+                  "vc:minVersion='1.1'/><element name='d' vc:maxVersion='1.1'><annotation/></element>"
+                  "<element name='e' vc:typeAvailable='int t:A'/><element name='f' vc:typeUnavailable='int t:A'/>"
+                  "<element name='g' vc:typeUnavailable='int dateTimeStamp'/><element name='h' vc:facetAvailable="
+                  "'pattern'/><element name='i' xmlns:s='urn:s' vc:facetAvailable='s:pattern'/><element name='j' "
+                  "vc:facetUnavailable='volume'/>")) SIMPLE("A' vc:maxVersion='1.1", "<restriction base='int'/>")
+         SIMPLE("A", "<restriction base='date'/>") "</schema>",
+     "r(a:Time c:String f:String h:String j:String)"},
     {"DefaultAttributes",
      "<?xml version='1.0'?><schema xmlns='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t' targetNamespace='urn:t' "
      "defaultAttributes='t:g'>" ROOT(SEQUENCE("<element name='a' type='t:A'/><element name='b' type='t:B'/>"))

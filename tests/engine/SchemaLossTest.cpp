@@ -69,6 +69,10 @@ const Loss kLosses[] = {
      "3:1 statement that has no effect there: xs:complexType inside xs:element"},
     {"Values", MAIN(ELEMENT("name='a' maxOccurs='many'") ELEMENT("name='b' type=''")),
      "2:1 invalid value: maxOccurs=\"many\"\n2:40 invalid value: type=\"\""},
+    {"Conditions",
+     MAIN("<xs:element name='a' "
+          "xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:minVersion='1.x' vc:typAvailable='xs:int'/>"),
+     "", "2:1 invalid value: vc:minVersion=\"1.x\"\n2:1 invalid value: vc:typAvailable=\"xs:int\""},
     {"LongValue", MAIN(ELEMENT("name='a' maxOccurs='1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö'")),
      "2:1 invalid value: maxOccurs=\"1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö\""},
     {"BoundsThatContradictEachOther",

@@ -3,10 +3,8 @@
 #include "Base/Text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <initializer_list>
 #include <iterator>
-#include <system_error>
 
 namespace {
 
@@ -206,22 +204,6 @@ SchemaEdition schemaEditionOf(const char* uri)
                : SchemaEdition::none;
 }
 
-bool isForOtherVersion(XmlAttributes attributes)
-{
-    for (std::size_t i = 0; i < attributes.size(); ++i) {
-        const char* const uri = attributes[i].name.prefix ? attributes.uriOf(i) : nullptr;
-        if (!uri || uri != std::string_view("http://www.w3.org/2007/XMLSchema-versioning"))
-            continue;
-        const std::string_view local = attributes[i].name.local, value = trimmed(attributes[i].value);
-        double version = 0;
-        if (std::from_chars(value.data(), value.data() + value.size(), version).ec != std::errc())
-            continue;
-        if ((local == "minVersion" && version > 1.1) || (local == "maxVersion" && version <= 1.1))
-            return true;
-    }
-    return false;
-}
-
 // Adds what every statement may have: an annotation and an `id`.
 constexpr SchemaGrammar::Rules SchemaGrammar::makeRules()
 {
@@ -236,11 +218,10 @@ constexpr SchemaGrammar::Rules SchemaGrammar::makeRules()
 
 constinit const SchemaGrammar::Rules SchemaGrammar::rules = makeRules();
 
-std::uint8_t SchemaGrammar::lookUpTag(const char* local)
+SchemaTag SchemaGrammar::lookUpTag(std::string_view local)
 {
-    const auto* const found = std::ranges::lower_bound(kTags, std::string_view(local), {}, &TagWord::word);
-    const bool isKnown = found != std::end(kTags) && found->word == local;
-    return static_cast<std::uint8_t>(isKnown ? found->tag : SchemaTag::none);
+    const auto* const found = std::ranges::lower_bound(kTags, local, {}, &TagWord::word);
+    return found != std::end(kTags) && found->word == local ? found->tag : SchemaTag::none;
 }
 
 std::uint8_t SchemaGrammar::lookUpAttribute(const char* local)

@@ -118,10 +118,6 @@ enum class SchemaEdition : std::uint8_t
 /// Returns the edition with this namespace URI; `none` for null and for other namespaces.
 SchemaEdition schemaEditionOf(const char* uri);
 
-/// Returns whether a statement with these attributes is for other versions of the language than 1.1 (XML Schema 1.1
-/// Part 1, 4.2.2).
-bool isForOtherVersion(XmlAttributes attributes);
-
 /// Looks up the words of the schema language during one parse. Interned names are cached by address, so use a new
 /// object for each parse: in another parse the same address may be another name.
 class SchemaGrammar
@@ -129,7 +125,11 @@ class SchemaGrammar
 public:
     /// Returns the tag or attribute with this local name, which must be interned by the parser; `none` or `unknown` if
     /// there is none.
-    SchemaTag tagOf(const char* local) { return static_cast<SchemaTag>(tags.find(local, lookUpTag)); }
+    SchemaTag tagOf(const char* local)
+    {
+        return static_cast<SchemaTag>(
+            tags.find(local, [](const char* word) { return static_cast<std::uint8_t>(lookUpTag(word)); }));
+    }
     SchemaAttribute attributeOf(const char* local)
     {
         return static_cast<SchemaAttribute>(attributes.find(local, lookUpAttribute));
@@ -148,6 +148,13 @@ public:
         const Rule& rule = rules[static_cast<std::size_t>(statement)];
         const std::uint64_t all = edition == SchemaEdition::draft ? rule.draftAttributes : rule.attributes;
         return (all >> static_cast<int>(attribute) & 1) != 0;
+    }
+
+    /// Returns whether a facet of any edition has this name.
+    static bool isFacet(std::string_view name)
+    {
+        const SchemaTag tag = lookUpTag(name);
+        return tag == SchemaTag::facet || tag == SchemaTag::enumeration || tag == SchemaTag::assertion;
     }
 
 private:
@@ -186,7 +193,7 @@ private:
         std::array<Slot, 256> slots;
     };
 
-    static std::uint8_t lookUpTag(const char* local);
+    static SchemaTag lookUpTag(std::string_view local);
     static std::uint8_t lookUpAttribute(const char* local);
 
     Cache tags;

@@ -1,6 +1,7 @@
 #include "Import/Schema/SchemaStatements.h"
 
 #include "Base/Utf8.h"
+#include "Import/Schema/SchemaConditions.h"
 
 #include <algorithm>
 #include <utility>
@@ -83,7 +84,7 @@ bool SchemaStatements::isTrue(std::string_view value)
 
 // An ignored tag is identified, too, and its attributes are read, because both readings record it, too.
 SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const XmlScope& scope,
-                                  SourceReport::Component number)
+                                  SourceReport::Component number, bool isLeftOut)
 {
     start = scope.place();
     if (scope.uri != lastUri) // rarely: namespaces are interned
@@ -94,7 +95,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const 
     const Tag tag = isOurs ? grammar.tagOf(name.local) : Tag::none;
     current = name;
     hasText = false;
-    if (ignored == 0 && !knowsPrefixes && !open.empty() && isForOtherVersion(attributes)) {
+    if (ignored == 0 && isLeftOut) {
         ignored = 1;
         return Tag::none;
     }
@@ -168,7 +169,7 @@ void SchemaStatements::read(SchemaTag tag, XmlName name, XmlAttributes attribute
     for (std::size_t i = 0; i < attributes.size(); ++i) {
         const auto [called, value] = attributes[i];
         if (called.prefix) {
-            checkForeign(called, attributes.uriOf(i), name);
+            checkForeign(attributes[i], attributes.uriOf(i), name);
             continue;
         }
         const Word word = grammar.attributeOf(called.local);
@@ -206,11 +207,17 @@ bool SchemaStatements::isLeastAboveMost() const
     return lower.size() != upper.size() ? lower.size() > upper.size() : lower > upper;
 }
 
-// Attributes of other languages are allowed anywhere; those of this language have no prefix.
-void SchemaStatements::checkForeign(XmlName called, const char* uri, XmlName statement)
+// Attributes of other languages are allowed anywhere; those of this language have no prefix. The literal reading has no
+// conditions.
+void SchemaStatements::checkForeign(const XmlAttribute& attribute, const char* uri, XmlName statement)
 {
-    if (ignored == 0 && schemaEditionOf(uri) != SchemaEdition::none)
-        addFinding(SourceReport::unknownAttribute, called.qualified() + " in " + statement.qualified());
+    if (ignored > 0)
+        return;
+    if (schemaEditionOf(uri) != SchemaEdition::none)
+        addFinding(SourceReport::unknownAttribute, attribute.name.qualified() + " in " + statement.qualified());
+    else if (!knowsPrefixes && isVersioningNamespace(uri) &&
+             !isConditionMet(attribute.name.local, attribute.value, [](std::string_view) { return false; }))
+        addInvalid(attribute.name, attribute.value);
 }
 
 std::string_view SchemaStatements::valueOf(SchemaAttribute name) const
@@ -276,10 +283,15 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
         break;
     }
     if (!isValid)
-        addFinding(SourceReport::invalidValue,
-                   called.qualified() + "=\"" + CString(firstCharacters(value, kLongestValue)) + "\"");
+        addInvalid(called, value);
     if (!value.empty() || attribute.name == Word::value)
         present |= bitOf(attribute.name);
+}
+
+void SchemaStatements::addInvalid(XmlName attribute, std::string_view value)
+{
+    addFinding(SourceReport::invalidValue,
+               attribute.qualified() + "=\"" + CString(firstCharacters(value, kLongestValue)) + "\"");
 }
 
 // Checks the statement that begins, and determines what it may hold. What a restriction may hold depends on the

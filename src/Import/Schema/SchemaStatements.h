@@ -34,9 +34,9 @@ public:
 
     /// Enters a start tag. Returns `none` if it is not a statement; an ignored one has its tag, see isIgnored().
     /// `component` is the number in the report if a top-level component begins here; 0 if the report doesn't hold
-    /// constructs by component.
+    /// constructs by component. An element that `isLeftOut` is ignored with all its contents.
     SchemaTag enter(XmlName name, XmlAttributes attributes, const XmlScope& scope,
-                    SourceReport::Component component = 0);
+                    SourceReport::Component component = 0, bool isLeftOut = false);
     /// Leaves the element that was entered last.
     void leave();
 
@@ -151,8 +151,9 @@ private:
     void enterComponent(SourceReport::Component number);
     void leaveComponent();
     void read(SchemaTag tag, XmlName name, XmlAttributes attributes);
-    void checkForeign(XmlName called, const char* uri, XmlName statement);
+    void checkForeign(const XmlAttribute& attribute, const char* uri, XmlName statement);
     void checkValue(const Attribute& attribute, XmlName called);
+    void addInvalid(XmlName attribute, std::string_view value);
     bool isLeastAboveMost() const;
     void enterStatement(SchemaTag tag, Level& level);
     const char* missingIn(SchemaTag tag, SchemaTag holder, bool isTop) const;

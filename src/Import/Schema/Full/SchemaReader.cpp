@@ -1,5 +1,7 @@
 #include "Import/Schema/Full/SchemaReader.h"
 
+#include "Import/Schema/SchemaConditions.h"
+
 #include <algorithm>
 #include <array>
 
@@ -48,7 +50,12 @@ void SchemaReader::bind(XmlNamespace declared)
 // nodes.
 void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
-    const SchemaTag tag = statements.enter(name, attributes, scope, holds ? static_cast<Index>(tree.size()) : 0);
+    const std::size_t shadowedBefore = shadowed.size();
+    const bool isRead = documented == 0 && skipped == 0;
+    for (std::size_t i = 0; i < scope.count && isRead; ++i)
+        bind(scope[i]);
+    const SchemaTag tag = statements.enter(name, attributes, scope, holds ? static_cast<Index>(tree.size()) : 0,
+                                           isRead && !open.empty() && isLeftOut(attributes));
     if (documented > 0) {
         ++documented;
         documentation.enter(name.local);
@@ -58,9 +65,6 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const Xm
         ++skipped;
         return;
     }
-    const std::size_t shadowedBefore = shadowed.size();
-    for (std::size_t i = 0; i < scope.count; ++i)
-        bind(scope[i]);
     const bool isNode = tag != SchemaTag::none && tag <= SchemaTag::alternative;
     // Only the root is a schema, and the parent of a node is a node.
     if (isNode && open.empty() == (tag == SchemaTag::schema) && (open.empty() || open.back().node != 0))
@@ -69,6 +73,19 @@ void SchemaReader::startElement(XmlName name, XmlAttributes attributes, const Xm
         startOther(tag, shadowedBefore);
     if (isNode && tag == SchemaTag::attribute && !open.empty() && open.back().node + 1 == tree.nodes.size())
         makeArray(attributes);
+}
+
+// Returns whether a statement has a condition that isn't met.
+bool SchemaReader::isLeftOut(XmlAttributes attributes)
+{
+    const auto isLanguagePrefix = [this](std::string_view prefix) {
+        return SchemaTree::isSchemaLanguage(spaceOf(prefix));
+    };
+    for (std::size_t i = 0; i < attributes.size(); ++i)
+        if (const auto [name, value] = attributes[i]; name.prefix && isVersioningNamespace(attributes.uriOf(i)))
+            if (const auto isMet = isConditionMet(name.local, value, isLanguagePrefix); isMet && !*isMet)
+                return true;
+    return false;
 }
 
 // Reads an array of SOAP's encoding (https://www.w3.org/TR/SOAP/#_Toc478383522): the attribute wsdl:arrayType (WSDL
@@ -333,20 +350,26 @@ NameTable::Id SchemaReader::nameOf(std::string_view text)
 }
 
 // Resolves a QName in the current scope (XML Schema Part 1, "QName Interpretation"). An unprefixed one is in the
-// default namespace, and "xml" is always bound. A name with an undeclared prefix refers to nothing. The last prefix is
-// cached, because most names of a document have the same one.
+// default namespace, and "xml" is always bound. A name with an undeclared prefix refers to nothing.
 SchemaName SchemaReader::resolve(std::string_view qualified)
 {
     qualified = trimmed(qualified);
     const std::size_t colon = qualified.rfind(':');
     const std::string_view prefix = colon == std::string_view::npos ? "" : qualified.substr(0, colon);
     const NameTable::Id local = nameOf(qualified.substr(colon == std::string_view::npos ? 0 : colon + 1));
-    const NameTable::Id id = prefix == tree.text(lastPrefix) ? lastPrefix : tree.names.intern(prefix);
-    lastPrefix = id;
-    const NameTable::Id space = id < spaces.size() ? spaces[id] : kUndeclared;
+    const NameTable::Id space = spaceOf(prefix);
     if (space != kUndeclared)
         return {space, local};
     if (prefix == "xml")
         return {SchemaTree::kXmlNamespace, local};
     return {prefix.empty() ? 0 : kUndeclared, local};
+}
+
+// Returns the current namespace of a prefix. The last prefix is cached, because most names of a document have the same
+// one.
+NameTable::Id SchemaReader::spaceOf(std::string_view prefix)
+{
+    const NameTable::Id id = prefix == tree.text(lastPrefix) ? lastPrefix : tree.names.intern(prefix);
+    lastPrefix = id;
+    return id < spaces.size() ? spaces[id] : kUndeclared;
 }

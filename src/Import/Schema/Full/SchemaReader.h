@@ -61,6 +61,8 @@ private:
     std::uint32_t readList(std::string_view value);
     NameTable::Id nameOf(std::string_view text);
     SchemaName resolve(std::string_view qualified);
+    NameTable::Id spaceOf(std::string_view prefix);
+    bool isLeftOut(XmlAttributes attributes);
     void leaveScope(std::size_t shadowedBefore);
     void keepDocumentation();
 
