@@ -90,7 +90,7 @@ std::string_view withoutControls(std::string_view text, CString& room)
 
 } // namespace
 
-std::string_view decodeText(std::string_view bytes, CString& room)
+std::string_view decodeText(std::string_view bytes, CString& room, CString& wrongEncoding)
 {
     for (const Mark& mark : kMarks)
         if (bytes.starts_with(mark.bytes)) {
@@ -102,5 +102,7 @@ std::string_view decodeText(std::string_view bytes, CString& room)
     const bool isUtf8 = declared.empty() || isSameAscii(declared, "utf-8");
     if (!isUtf8 && convert(bytes, declared, room))
         return withoutControls(room, room);
+    if (!isUtf8 && !isAscii(bytes))
+        wrongEncoding = declared;
     return withoutControls(bytes, room);
 }

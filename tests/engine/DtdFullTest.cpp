@@ -211,7 +211,7 @@ const Rule kRules[] = {
             "<!ENTITY % u SYSTEM 'u'>%u;<!ELEMENT \xE4 (a, b, c, d, e, f, g)>",
      "g(\u043E:String) f(\u00F6:String) e(\u00F6:String) d(\u00F6:String) c(\u017E:String) b(\u00FC:String) "
      "a(\u00F6:String) \u00E4(a:a b:b c:c d:d e:e f:f g:g)",
-     "",
+     "1 loss\no:1:1: invalid value: encoding=\"no\"\n\n1 value not understood\n",
      {{"u",
        CString("<?xml encoding='ISO-8859-5'?><!ELEMENT g (\xDE)><!ELEMENT\0\xDE EMPTY>", 63)}, // the zero is a blank
       {"m", utf16("<!ELEMENT a (\xF6)><!ELEMENT \xF6 EMPTY>")},

@@ -40,13 +40,18 @@ void skipTextDeclaration(DTDEntities::Text& text)
 
 DTDEntities::Text& DTDEntities::addFile(const FoundFile& file, const CString& shownName, std::string_view bytes)
 {
-    CString room;
-    std::string_view text = decodeText(bytes, room);
+    CString room, wrongEncoding;
+    std::string_view text = decodeText(bytes, room, wrongEncoding);
     // A converted text must live as long as the types, because names are views of it.
     if (text.data() == room.data() && !room.empty())
         text = types.adopt(std::move(room));
     read += text.size();
     Text& added = files.emplace_back(Text{text, {report.addFile(shownName), 1, 1}});
+    if (!wrongEncoding.empty()) {
+        const SourceReport::Component component = report.enter(0);
+        report.add(SourceReport::invalidValue, added.start, "encoding=\"" + wrongEncoding + "\"");
+        report.enter(component);
+    }
     skipTextDeclaration(added);
     folders.emplace(added.start.file, folderOf(file.name));
     if (file.id != FileId())
