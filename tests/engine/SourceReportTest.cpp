@@ -83,6 +83,8 @@ const Case kDocuments[] = {
      ""},
     {"Component", type("A", "<ARRAY SIZE='5'><C TYPE='String'/></ARRAY>"),
      "x:2:30: declaration skipped: component of the array \\A\n"},
+    {"ArrayOfAnImpossibleSize", type("A", "<ARRAY SIZE='-3'/>"),
+     "x:2:14: invalid value: SIZE=\"-3\" of the array \\A\n"},
     {"ArrayWithoutASize", type("A", "<ARRAY/>"), "x:2:14: invalid value: no SIZE in the array \\A, which gets 5\n"},
     {"Tag", type("R", "<row/><ROW/>"), "x:2:14: unknown statement: row in \\R\n"},
     {"Attribute", type("R", "<ROW><F NAME='a' name='b' TYPE='String'/></ROW>"),

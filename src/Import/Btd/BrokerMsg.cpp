@@ -100,6 +100,8 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
     readAttributes(content, {{"SIZE", &size}});
     if (size.empty())
         note(SourceReport::invalidValue, content, "no SIZE in the array " + type.fullName() + ", which gets 5");
+    else if (size.find_first_not_of("0123456789") != size.npos)
+        note(SourceReport::invalidValue, content, "SIZE=\"" + CString(size) + "\" of the array " + type.fullName());
     type.element->setSize(CString(size));
     for (IXMLDOMNode component = content.firstChild(); component; component = component.nextSibling()) {
         readAttributes(component, {{"TYPE", &componentType}});
