@@ -49,11 +49,12 @@ const Row kRows[] = {
     {"OperationsNameMessagesOfAnyFile",
      wsdl("<import location='b.wsdl'/>" MESSAGE(
          "M",
-         PART("p",
-              "type='s:int'")) "<portType><operation><input "
-                               "message='w:N'/><output message='M'/><fault message='w:No'/></operation></portType>"),
+         PART("p", "type='s:int'")) "<portType><operation><input "
+                                    "message='w:N'/><output message='M'/><fault message='w:No'/></operation></portType>"
+                                    "<binding><operation><input><h:header message='w:N' xmlns:h='h'/><h:header "
+                                    "message='w:Head' xmlns:h='h'/></input></operation></binding>"),
      "N(p:String) M(p:Number)",
-     "1 loss: 1 reference became text",
+     "2 losses: 2 references became text",
      {{"b.wsdl", wsdl(MESSAGE("N", PART("p", "type='s:string'")))}}},
     {"SchemasKnowEachOther",
      wsdl("<types><s:schema targetNamespace='urn:t'><s:import namespace='urn:u'/>" ELEMENT(
@@ -139,6 +140,20 @@ const Row kRows[] = {
     {"MisspeltStatements",
      wsdl("<mesage name='M'/>" MESSAGE("N", "<prt/>" PART("q", "type='s:int'")) "<service><prt/></service>"),
      "N(q:Number)", "2 losses: 2 statements not understood"},
+    {"MisspeltStatementsOfInterfaces",
+     wsdl(MESSAGE("N", PART("q", "type='s:int'")) "<portType><opration/><operation><outpt><any/></outpt></operation>"
+                                                  "</portType>"),
+     "N(q:Number)", "2 losses: 2 statements not understood"},
+    {"PartOfATypeWithAnElement",
+     wsdl(types(ELEMENT("a", "<s:element name='x'/>")) + MESSAGE("M", PART("p", "element='t:a' type='s:int'"))),
+     "M(p:Number)", "1 loss: 1 attribute not understood"},
+    {"Version2RefersToInterfacesAndFaults",
+     "<description xmlns='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t'>"
+     "<types><s:schema targetNamespace='urn:t'>" ELEMENT(
+         "a", "<s:element name='x'/>") "</s:schema></types><interface name='I'><fault name='F' element='t:a'/>"
+                                       "<operation><outfault ref='t:F'/><infault ref='t:I'/></operation></interface>"
+                                       "<interface name='J' extends='t:I t:F'/></description>",
+     "a(x:String)", "2 losses: 2 references became text"},
     {"Version2",
      "<d:description xmlns:d='http://www.w3.org/ns/wsdl' xmlns:s='http://www.w3.org/2001/XMLSchema' xmlns:t='urn:t'>"
      "<d:types><s:schema targetNamespace='urn:t'>" ELEMENT("a", "<s:element name='x'/>")
@@ -196,10 +211,12 @@ TEST_F(WsdlRoot, LimitsTheReport)
 {
     const CString source = wsdl(types(ELEMENT("a", "<s:element name='x' nillable='1'/>")
                                           ELEMENT("b", "<s:element name='y' type='t:none' minOccurs='0'/>")) +
-                                MESSAGE("M", PART("p", "element='t:a'")) MESSAGE("O", PART("p", "element='t:none'"))
-                                    MESSAGE("N", PART("q", "type='s:int'") PART("", "type='s:int'") "<prt/>"));
+                                MESSAGE("M", PART("p", "element='t:a'") "<documentation>m</documentation>")
+                                    MESSAGE("O", PART("p", "element='t:none'"))
+                                        MESSAGE("N", PART("q", "type='s:int'") PART("", "type='s:int'") "<prt/>"));
     const std::pair<const char*, const char*> rows[] = {
-        {"", "3 losses: 1 reference became text, 1 statement not understood, 1 missing name; 1 nillable element"},
+        {"", "3 losses: 1 reference became text, 1 statement not understood, 1 missing name; 1 documentation "
+             "cut short; 1 nillable element"},
         {"a", "; 1 nillable element"},
         {"b", "1 loss: 1 reference became text; 1 optional part"},
         {"N", "2 losses: 1 statement not understood, 1 missing name"},

@@ -133,7 +133,8 @@ public:
         std::uint32_t source;
     };
 
-    /// Returns the messages of the WSDLs among the sources, each element once. Reports elements that are not declared.
+    /// Returns the messages of the WSDLs among the sources, each element once. Reports names of WSDLs that refer to
+    /// nothing.
     std::vector<Message> findMessages();
 
     /// Returns the full name of a top-level component, in the namespace of its document.
@@ -249,8 +250,8 @@ private:
     std::map<std::pair<std::string_view, std::uint32_t>, std::uint32_t> texts; // documents by text and file
     bool hasWsdl = false;
     std::vector<std::pair<WsdlReader::Root, std::uint32_t>> messages; // of WSDLs, with the number of the source
-    std::unordered_set<NameTable::Id> messageNames;
-    std::vector<WsdlReader::MessageUse> messageUses;
+    std::unordered_set<NameTable::Id> wsdlNames;
+    std::vector<WsdlReader::Use> wsdlUses;
     std::vector<Source> loaded;
     std::vector<NameTable::Id> spaces;      // namespaces of the documents, each once
     std::uint32_t loads = 0;                // number of load() calls so far

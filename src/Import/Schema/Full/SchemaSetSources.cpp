@@ -85,8 +85,8 @@ std::vector<WsdlReader::Import> SchemaSet::readSource(const SourceFile& file)
     hasWsdl = hasWsdl || reader.holdsWsdl();
     for (const WsdlReader::Root& root : reader.queryRoots())
         messages.emplace_back(root, loads);
-    messageNames.insert(reader.queryMessageNames().begin(), reader.queryMessageNames().end());
-    messageUses.insert(messageUses.end(), reader.queryMessageUses().begin(), reader.queryMessageUses().end());
+    wsdlNames.insert(reader.queryNames().begin(), reader.queryNames().end());
+    wsdlUses.insert(wsdlUses.end(), reader.queryUses().begin(), reader.queryUses().end());
     return reader.queryImports();
 }
 
@@ -96,9 +96,9 @@ std::vector<SchemaSet::Message> SchemaSet::findMessages()
     std::vector<Message> found;
     std::unordered_set<Index> met;
     report.enter(WsdlReader::kMessages);
-    // All messages of the set are imported, so one of any namespace will do.
-    for (const auto& [name, place] : messageUses)
-        if (!messageNames.contains(name))
+    // All messages of the set are imported, so one of any namespace will do; so will an interface or a fault.
+    for (const auto& [name, place] : wsdlUses)
+        if (!wsdlNames.contains(name))
             report.add(SourceReport::unresolvedReference, place, tree.text(name));
     for (const auto& [root, source] : messages) {
         const Index declared = root.made != 0 ? root.made : find(element, root.name, 0);

@@ -20,13 +20,20 @@ bool isStatement(const XmlScope& scope)
 }
 
 // Returns whether WSDL 1.1 or 2.0 has a statement for this place. Below the statements of a description, only those of
-// messages are checked.
-bool isKnownThere(std::string_view local, std::size_t depth, bool isInMessage)
+// messages and interfaces are checked. A draft of 2.0 has features and properties.
+bool isKnownThere(std::string_view local, std::size_t depth, std::string_view section)
 {
-    constexpr std::string_view known[] = {"types",   "portType", "interface", "binding",
-                                          "service", "message",  "import",    "include"};
-    return depth == 1 || depth > 3 || local == "documentation" ||
-           (depth == 2 ? std::ranges::find(known, local) != std::end(known) : !isInMessage);
+    constexpr std::string_view sections[] = {"types",   "portType", "interface", "binding",
+                                             "service", "message",  "import",    "include"};
+    constexpr std::string_view ofInterfaces[] = {"operation", "fault",  "feature", "property",
+                                                 "input",     "output", "infault", "outfault"};
+    if (depth == 1 || depth > 4 || local == "documentation")
+        return true;
+    if (depth == 2)
+        return std::ranges::find(sections, local) != std::end(sections);
+    if (section == "portType" || section == "interface")
+        return std::ranges::find(ofInterfaces, local) != std::end(ofInterfaces);
+    return depth > 3 || section != "message";
 }
 
 } // namespace
@@ -57,13 +64,15 @@ void WsdlReader::startElement(XmlName name, XmlAttributes attributes, const XmlS
     for (std::size_t i = 0; i < scope.count; ++i)
         declared.push_back(scope[i]);
     if (open.size() == 2)
-        isInTypes = isStatement(scope) && local == "types";
+        section = isStatement(scope) ? local : "";
     const auto [line, column] = scope.place();
     const SourcePlace place{tree.documents[document].file, line, column};
     if (isStatement(scope))
         readStatement(local, attributes, place);
-    else if (isInTypes && open.size() == 3)
+    else if (section == "types" && open.size() == 3)
         readOther(local, attributes, schemaEditionOf(scope.uri) != SchemaEdition::none, place);
+    else if (section == "binding" && (local == "header" || local == "headerfault")) // of SOAP
+        addUse("", attributes.valueOf("message"), place);
 }
 
 // Begins the file, whose root shows whether it is a WSDL. Of a WSDL, only what its messages reach is imported and
@@ -153,9 +162,35 @@ void WsdlReader::readStatement(std::string_view local, XmlAttributes attributes,
         readPart(attributes, place);
     else if (local == "input" || local == "output" || local == "fault")
         readContent(local, attributes, place);
-    else if (!isKnownThere(local, open.size(), message != 0))
+    else if (!isKnownThere(local, open.size(), message == 0 && section == "message" ? "" : section))
         report.add(SourceReport::unknownStatement, place, local);
+    else if (message != 0 && local == "documentation")
+        report.count(SourceReport::documentationCut);
+    readNames(local, attributes, place);
     report.enter(0);
+}
+
+// Reads the names of interfaces and their faults, and references to them (WSDL 2.0 Part 1, 2.2 and 2.3).
+void WsdlReader::readNames(std::string_view local, XmlAttributes attributes, SourcePlace place)
+{
+    const std::string_view name = attributes.valueOf("name");
+    if (section == "interface" && open.size() == 2) {
+        names.insert(tree.names.intern("interface " + CString(name)));
+        SchemaStatements::forEachName(attributes.valueOf("extends"),
+                                      [&](std::string_view base) { addUse("interface ", base, place); });
+    } else if (section == "interface" && open.size() == 3 && local == "fault") {
+        names.insert(tree.names.intern("fault " + CString(name)));
+    } else if (local == "fault" || local == "infault" || local == "outfault") {
+        addUse("fault ", attributes.valueOf("ref"), place);
+    }
+}
+
+// Adds a reference, unless its name is empty. `kind` is the first word of the text under which a name is kept, so that
+// a message and a fault may have the same name.
+void WsdlReader::addUse(const CString& kind, std::string_view name, SourcePlace place)
+{
+    if (!name.empty())
+        uses.push_back({tree.names.intern(kind + CString(name.substr(name.find(':') + 1))), place});
 }
 
 void WsdlReader::addImport(std::string_view location, std::string_view space, SourcePlace place)
@@ -173,7 +208,7 @@ void WsdlReader::beginMessage(std::string_view name, SourcePlace place)
         return report.add(SourceReport::nameMissing, place, "message");
     if (!isXmlName(name))
         return report.add(SourceReport::impossibleName, place, name);
-    if (!messageNames.insert(id).second)
+    if (!names.insert(id).second)
         return report.add(SourceReport::declaredTwice, place, name);
     message = static_cast<std::uint32_t>(messages.size());
     messages.push_back(id);
@@ -191,6 +226,8 @@ void WsdlReader::readPart(XmlAttributes attributes, SourcePlace place)
         report.add(SourceReport::nameMissing, place, "part");
     else
         parts.push_back({message, tree.names.intern(name), element, type, place});
+    if (element.local != 0 && type.local != 0)
+        report.add(SourceReport::unknownAttribute, place, "element beside type");
 }
 
 // Reads the content of an operation: in WSDL 1.1 the name of a message, in 2.0 an element, or one of the words #none,
@@ -199,8 +236,7 @@ void WsdlReader::readContent(std::string_view local, XmlAttributes attributes, S
 {
     const std::string_view content = attributes.valueOf("element"), named = attributes.valueOf("message");
     report.enter(kMessages);
-    if (!named.empty())
-        uses.push_back({tree.names.intern(named.substr(named.find(':') + 1)), place});
+    addUse("", named, place);
     if (const SchemaName element = resolve(content); element.local != 0)
         parts.push_back({0, 0, element, {}, place, local == "fault"});
     else if (content == "#any")

@@ -52,17 +52,18 @@ public:
     /// Returns the elements of all messages, in their order.
     const std::vector<Root>& queryRoots() const { return roots; }
 
-    /// Returns the names of the messages that the file declares.
-    const std::unordered_set<NameTable::Id>& queryMessageNames() const { return messageNames; }
+    /// Returns the names of the messages that the file declares, and of its interfaces and their faults, which have the
+    /// word "interface" or "fault" in front.
+    const std::unordered_set<NameTable::Id>& queryNames() const { return names; }
 
-    /// A message that an operation names, without its prefix.
-    struct MessageUse
+    /// A reference to one of these, without its prefix.
+    struct Use
     {
         NameTable::Id name;
         SourcePlace place;
     };
-    /// Returns the messages that operations name, in their order.
-    const std::vector<MessageUse>& queryMessageUses() const { return uses; }
+    /// Returns the references in their order.
+    const std::vector<Use>& queryUses() const { return uses; }
 
     /// Another file that a WSDL imports or includes.
     struct Import
@@ -93,6 +94,8 @@ private:
     void beginSchema(XmlName name, XmlAttributes attributes, const XmlScope& scope);
     void readStatement(std::string_view local, XmlAttributes attributes, SourcePlace place);
     void readOther(std::string_view local, XmlAttributes attributes, bool isOfSchemas, SourcePlace place);
+    void readNames(std::string_view local, XmlAttributes attributes, SourcePlace place);
+    void addUse(const CString& kind, std::string_view name, SourcePlace place);
     void addImport(std::string_view location, std::string_view space, SourcePlace place);
     void beginMessage(std::string_view name, SourcePlace place);
     void readPart(XmlAttributes attributes, SourcePlace place);
@@ -111,13 +114,13 @@ private:
     // The readers of complete schemas, kept for their findings until finish().
     std::vector<std::unique_ptr<SchemaReader>> finished;
     bool isWsdl = false;
-    bool isInTypes = false;             // inside the `types` element
+    std::string_view section;           // the statement of level 2 that is open; empty if it isn't of WSDL
     std::vector<std::size_t> open;      // for each element around schemas, the declarations before it
     std::vector<XmlNamespace> declared; // by those; the texts are valid until the parse ends
     NameTable::Id target = 0;
-    std::vector<NameTable::Id> messages{0}; // names of messages by number
-    std::unordered_set<NameTable::Id> messageNames;
-    std::vector<MessageUse> uses;
+    std::vector<NameTable::Id> messages{0};  // names of messages by number
+    std::unordered_set<NameTable::Id> names; // see queryNames()
+    std::vector<Use> uses;
     std::uint32_t message = 0; // that is open
     std::vector<Part> parts;
     std::vector<Root> roots;
