@@ -431,6 +431,8 @@ const Rule kRules[] = {
      ROOT("<attribute name='a'><simpleType><union memberTypes='t:E t:E t:F'/></simpleType></attribute>")
          SIMPLE("E", LISTED("string", "x", "y")) SIMPLE("F", LISTED("string", "y", "z")),
      "a{x|y|z} F{y|z} E{x|y} r(a:a)"},
+    {"AbstractElementAmongLeaves", "<element name='a' abstract='true'/><element name='b' type='int'/>",
+     "b(value:Number)"},
     {"SchemaOfSchemas",
      "<?xml version='1.0'?><s:schema xmlns:s='http://www.w3.org/2001/XMLSchema' "
      "targetNamespace='http://www.w3.org/2001/XMLSchema'>"

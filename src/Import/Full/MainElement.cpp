@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <span>
 #include <utility>
 
 // The number of records that an element reaches is not the sum over its fields, because these share records. So each
@@ -51,7 +52,7 @@ MainElement::MainElement(const SourceTypes& types) :
     std::ranges::stable_sort(bySource, {}, [&](Index i) { return types.candidates[i].source; });
 }
 
-// Leaves and abstract elements are chosen only if the source has no other ones.
+// Leaves are chosen only if the source has no other elements, and abstract ones after those.
 std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Index source)
 {
     const std::size_t first = next;
@@ -64,9 +65,17 @@ std::vector<SourceTypes::Index> MainElement::choose(const CString& fileName, Ind
     if (first == next)
         return {};
     if (ranked.size() <= 1) // nothing to measure, as in most schemas of a set
-        return {ranked.empty() ? bySource[first] : ranked.front()};
+        return {ranked.empty() ? firstLeaf(first) : ranked.front()};
     findSources();
     return measureAll(stemOf(fileName));
+}
+
+// Returns the first candidate from `first` to `next` that isn't abstract, else the first one.
+MainElement::Index MainElement::firstLeaf(std::size_t first) const
+{
+    const auto own = std::span(bySource).subspan(first, next - first);
+    const auto found = std::ranges::find(own, false, [this](Index i) { return types.candidates[i].isAbstract; });
+    return found == own.end() ? own.front() : *found;
 }
 
 // Finds the candidates to measure. A record reaches no more than the records that refer to it. So one member of each

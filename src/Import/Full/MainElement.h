@@ -21,6 +21,7 @@ public:
     std::vector<Index> choose(const CString& fileName, Index source);
 
 private:
+    Index firstLeaf(std::size_t first) const;
     void findSources();
     std::vector<Index> measureAll(std::string_view fileName);
     std::size_t measure(Index record);
