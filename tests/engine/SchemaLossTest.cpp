@@ -63,6 +63,7 @@ const Loss kLosses[] = {
     {"TypeBesideType", MAIN("<xs:element name='a' type='xs:string'>" SIMPLE("", "xs:string", "") "</xs:element>"),
      "2:39 statement that has no effect there: xs:simpleType inside xs:element"},
     {"ContentBesideContent", MAIN("") TYPE("T", "<xs:simpleContent/>" SEQUENCE("") "<xs:attribute name='a'/>"),
+     "3:26 declaration that makes no sense: simpleContent without extension or restriction\n"
      "3:45 statement that has no effect there: xs:sequence inside xs:complexType\n"
      "3:72 statement that has no effect there: xs:attribute inside xs:complexType"},
     {"StatementInAReference", MAIN("<xs:element ref='z'>\n<xs:complexType/></xs:element>") ELEMENT("name='z'"),
@@ -73,6 +74,7 @@ const Loss kLosses[] = {
      MAIN("<xs:element name='a' "
           "xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:minVersion='1.x' vc:typAvailable='xs:int'/>"),
      "", "2:1 invalid value: vc:minVersion=\"1.x\"\n2:1 invalid value: vc:typAvailable=\"xs:int\""},
+    {"WaysOfDerivation", MAIN(ELEMENT("name='a' block='foo' final='#all list'")), "2:1 invalid value: block=\"foo\""},
     {"LongValue", MAIN(ELEMENT("name='a' maxOccurs='1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö'")),
      "2:1 invalid value: maxOccurs=\"1öööööööööööööööööööööööööööööööööööööööööööööööööööööööööööö\""},
     {"BoundsThatContradictEachOther",
@@ -91,6 +93,17 @@ const Loss kLosses[] = {
      "3:37 statement that has no effect there: xs:complexContent inside xs:complexType\n"
      "3:108 declaration that makes no sense: xs:include without schemaLocation\n"
      "3:145 declaration that makes no sense: restriction without base"},
+    {"StatementsWithoutContent",
+     MAIN("") "<xs:simpleType name='S'/>\n<xs:simpleType name='L'><xs:list/></xs:simpleType>\n"
+              "<xs:simpleType name='U'><xs:union/></xs:simpleType>\n" TYPE("C", "<xs:complexContent/>"),
+     "3:1 declaration that makes no sense: simpleType without restriction, list or union\n"
+     "4:25 declaration that makes no sense: list without itemType\n"
+     "5:25 declaration that makes no sense: union without memberTypes\n"
+     "6:26 declaration that makes no sense: complexContent without extension or restriction"},
+    {"MisspeltContent",
+     MAIN("") "<xs:simpleType name='L'><xs:list itmType='S'/></xs:simpleType><xs:simpleType name='S'><xs:unio/>"
+              "</xs:simpleType>",
+     "3:25 unknown attribute: itmType in xs:list\n3:87 unknown statement: xs:unio"},
     // References.
     {"TypeThatNobodyDeclares", MAIN(ELEMENT("name='a' type='No'") ELEMENT("name='b' type='xs:strin'")),
      "2:1 reference to nothing that was read: No\n2:33 reference to nothing that was read: xs:strin",
@@ -100,6 +113,13 @@ const Loss kLosses[] = {
      MAIN("<xs:group ref='no'/>") TYPE("D", "<xs:complexContent><xs:extension base='No'/></xs:complexContent>"),
      "2:1 group skipped: no\n3:45 extension skipped: No",
      "2:1 missing group or base type: no\n3:45 missing group or base type: No"},
+    {"AttributeOfAComplexType", MAIN("") RECORD TYPE("T", "\n<xs:attribute name='a' type='R'/>"), "",
+     "4:1 reference to nothing that was read: R"},
+    {"AttributeOfAnotherKindInAnExtension",
+     MAIN("") TYPE("B", "<xs:attribute name='a'/>")
+         TYPE("D", "<xs:complexContent><xs:extension base='B'>\n<xs:attribute name='a' type='xs:date'/>"
+                   "</xs:extension></xs:complexContent>"),
+     "3:111 extension skipped: B\n4:1 declaration skipped: a", "4:1 name declared differently elsewhere: a"},
     {"CircleOfBases",
      MAIN(ELEMENT("name='a' type='D'"))
          TYPE("D", "<xs:complexContent><xs:extension base='E'/></xs:complexContent>") "\n" TYPE(

@@ -218,6 +218,48 @@ constexpr SchemaGrammar::Rules SchemaGrammar::makeRules()
 
 constinit const SchemaGrammar::Rules SchemaGrammar::rules = makeRules();
 
+bool SchemaGrammar::isOnlyChild(SchemaTag holder, SchemaTag tag)
+{
+    switch (holder) {
+    case Tag::element:
+    case Tag::attribute:
+    case Tag::alternative:
+        return tag == Tag::simpleType || tag == Tag::complexType;
+    case Tag::simpleRestriction:
+        return tag == Tag::simpleType;
+    case Tag::simpleType:
+    case Tag::simpleContent:
+    case Tag::complexContent:
+    case Tag::list:
+        return true;
+    case Tag::complexType:
+        return tag == Tag::simpleContent || tag == Tag::complexContent;
+    default:
+        return false;
+    }
+}
+
+const char* SchemaGrammar::emptinessOf(SchemaTag holder)
+{
+    switch (holder) {
+    case Tag::simpleRestriction: // of the type that `base` names, or the one inside
+    case Tag::textRestriction:
+        return "restriction without base";
+    case Tag::simpleType:
+        return "simpleType without restriction, list or union";
+    case Tag::simpleContent:
+        return "simpleContent without extension or restriction";
+    case Tag::complexContent:
+        return "complexContent without extension or restriction";
+    case Tag::unionOf:
+        return "union without memberTypes";
+    case Tag::list:
+        return "list without itemType";
+    default:
+        return nullptr;
+    }
+}
+
 SchemaTag SchemaGrammar::lookUpTag(std::string_view local)
 {
     const auto* const found = std::ranges::lower_bound(kTags, local, {}, &TagWord::word);

@@ -142,6 +142,13 @@ public:
         return (rules[static_cast<std::size_t>(holder)].children >> static_cast<int>(statement) & 1) != 0;
     }
 
+    /// Returns whether a statement may have only one child of the kinds that `statement` belongs to. An attribute such
+    /// as `type` counts as that child.
+    static bool isOnlyChild(SchemaTag holder, SchemaTag statement);
+
+    /// Returns what a statement lacks that has no content, and no attribute in its place; null if it may be empty.
+    static const char* emptinessOf(SchemaTag holder);
+
     /// Returns whether the statement has that attribute in an edition.
     static bool mayHave(SchemaTag statement, SchemaAttribute attribute, SchemaEdition edition)
     {

@@ -37,27 +37,14 @@ bool isCommonPrefix(const char* prefix)
     return prefix && (prefix == std::string_view("xs") || prefix == std::string_view("xsd"));
 }
 
-// Returns whether a statement may have only one child of the kinds that `tag` belongs to. An attribute such as `type`
-// counts as that child.
-bool isOnlyChild(Tag holder, Tag tag)
+// Returns whether a text is a list of ways of derivation, as in `block` and `final`.
+bool isDerivationList(std::string_view value)
 {
-    switch (holder) {
-    case Tag::element:
-    case Tag::attribute:
-    case Tag::alternative:
-        return tag == Tag::simpleType || tag == Tag::complexType;
-    case Tag::simpleRestriction:
-        return tag == Tag::simpleType;
-    case Tag::simpleType:
-    case Tag::simpleContent:
-    case Tag::complexContent:
-    case Tag::list:
-        return true;
-    case Tag::complexType:
-        return tag == Tag::simpleContent || tag == Tag::complexContent;
-    default:
-        return false;
-    }
+    constexpr std::string_view known[] = {"#all", "extension", "restriction", "substitution", "list", "union"};
+    bool isValid = true;
+    SchemaStatements::forEachName(value,
+                                  [&](std::string_view word) { isValid &= std::ranges::count(known, word) > 0; });
+    return isValid;
 }
 
 } // namespace
@@ -104,7 +91,7 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const 
     if (ignored > 0) {
         ++ignored;
     } else if (!open.empty()) {
-        const Level& holder = open.back();
+        Level& holder = open.back();
         if (tag == Tag::none) {
             // Its children aren't reported, because the statement itself already is.
             addFinding(SourceReport::unknownStatement, name.qualified());
@@ -113,12 +100,13 @@ SchemaTag SchemaStatements::enter(XmlName name, XmlAttributes attributes, const 
             addFinding(SourceReport::misplacedStatement, name.qualified() + " inside " + holder.name.qualified());
             ignored = 1;
         }
+        holder.hasFault |= ignored > 0;
     }
     read(tag, name, attributes);
     if (ignored > 0)
         return tag;
     // The root is checked like a schema, whatever it is. The readings report a root that isn't one.
-    Level level{name, open.empty() ? Tag::schema : tag, false, false, start};
+    Level level{.name = name, .holder = open.empty() ? Tag::schema : tag, .start = start};
     if (!open.empty())
         enterStatement(tag, level);
     countStatement(tag);
@@ -139,9 +127,8 @@ void SchemaStatements::leave()
         return;
     }
     const Level& level = open.back();
-    // These restrict the type that `base` names, or the one inside, so one of the two is required.
-    if ((level.holder == Tag::simpleRestriction || level.holder == Tag::textRestriction) && !level.hasChild)
-        addFinding(SourceReport::malformedDeclaration, level.start, "restriction without base");
+    if (const char* const lack = level.hasChild || level.hasFault ? nullptr : SchemaGrammar::emptinessOf(level.holder))
+        addFinding(SourceReport::malformedDeclaration, level.start, lack);
     open.pop_back();
 }
 
@@ -270,6 +257,7 @@ void SchemaStatements::checkValue(const Attribute& attribute, XmlName called)
     case Word::exact:
     case Word::blockDefault:
     case Word::finalDefault:
+        isValid = edition == SchemaEdition::draft || isDerivationList(value);
         details[SourceReport::derivationLimit] += !value.empty();
         break;
     case Word::content:
@@ -317,8 +305,8 @@ void SchemaStatements::enterStatement(SchemaTag tag, Level& level)
         level.holder = Tag::textRestriction;
     else if (has(Word::ref) && !isTop && tag <= Tag::enumeration)
         level.holder = Tag::reference;
-    level.hasChild =
-        has(Word::type) || has(Word::base) || has(Word::itemType) || (tag == Tag::restriction && isMisspelt);
+    level.hasChild = has(Word::type) || has(Word::base) || has(Word::itemType) || has(Word::memberTypes);
+    level.hasFault = isMisspelt;
     holder.hasContent |= tag == Tag::simpleContent || tag == Tag::complexContent;
 }
 
@@ -356,7 +344,7 @@ const char* SchemaStatements::missingIn(SchemaTag tag, SchemaTag holder, bool is
 // complexContent nothing else has an effect (XML Schema Part 1, 3.4.2).
 bool SchemaStatements::occursTooOften(const Level& holder, SchemaTag tag) const
 {
-    const bool isSecond = holder.hasChild && isOnlyChild(holder.holder, tag);
+    const bool isSecond = holder.hasChild && SchemaGrammar::isOnlyChild(holder.holder, tag);
     return tag != Tag::annotation && (isSecond || (holder.hasContent && tag <= Tag::enumeration));
 }
 

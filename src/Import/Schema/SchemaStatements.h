@@ -119,6 +119,7 @@ private:
         SchemaTag holder = SchemaTag::none; // see holder()
         bool hasChild = false;              // has a child, or an attribute in its place
         bool hasContent = false;            // has simpleContent or complexContent
+        bool hasFault = false;              // has a misspelt attribute, or a child without effect
         XmlPlace start;
     };
 

@@ -404,12 +404,13 @@ void SchemaContents::visitAttribute(Index attribute)
     addAttribute(name, declaration, isProhibited, node.documentation);
 }
 
-// Adds an attribute. It replaces an inherited one of the same name. A prohibited one only loses its name here, because
-// removing it would move the others.
+// Adds an attribute. It replaces an inherited one of the same name, whose type a restriction may change. A prohibited
+// one only loses its name here, because removing it would move the others.
 void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation)
 {
     SchemaField* field = attributes.find(name);
-    if (field && attributes.positionOf(*field) >= inherited && !areEquivalent(field->declaration, declaration))
+    const bool mayDiffer = field && isRestriction && attributes.positionOf(*field) < inherited;
+    if (field && !mayDiffer && !areEquivalent(field->declaration, declaration))
         set.note(SourceReport::mergedByName, declaration);
     if (field)
         *field = {isProhibited ? SchemaName() : name, declaration, SourceTypes::roleAttribute, false, documentation};

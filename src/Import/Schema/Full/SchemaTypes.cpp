@@ -288,6 +288,8 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
             return true;
         }
         type = set.reach(SchemaSet::type, name, declaration);
+        if (tree[declaration].tag == SchemaTag::attribute && tree[type].tag == SchemaTag::complexType)
+            type = 0; // a value has no fields
         if (type == 0) {
             set.note(SourceReport::unresolvedReference, declaration);
             return true;
