@@ -465,7 +465,7 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 <element name='r' nillable='1'><complexType mixed='true'><sequence>
   <element ref='t:none'/><group ref='t:g' maxOccurs='2'/><group ref='t:g'/><group ref='t:nog'/>
   <element name='a' type='t:A' maxOccurs='0'/><element name='b' type='t:A' default='x'/>
-</sequence><attribute name='b' type='t:L'/><attribute name='u' type='t:U'/><anyAttribute/></complexType><key name='k'/></element>
+</sequence><attribute name='b' type='t:L'/><attribute name='u' type='t:U'/><anyAttribute/><attribute name='n' type='NMTOKENS'/></complexType><key name='k'/></element>
 <complexType name='A' abstract='true'><sequence><element name='y' type='anyType'/></sequence><attribute name='x' type='t:X'/></complexType>
 <group name='g'><choice><any/></choice></group>
 <element name='r'/><complexType name='Lost'><attribute name='x' type='Int'/></complexType>
@@ -474,8 +474,9 @@ TEST_F(SchemaFull, ReportsWhatIsNotCarriedOver)
 <simpleType name='F'><restriction base='string'><length value='1'/><pattern value='a'/></restriction></simpleType>
 <complexType name='no name'/><complexType name='E'><complexContent><extension base='t:W'><sequence>
   <element name='a\b'/><element ref='t:1st'/></sequence><attribute name='e' type='t:no name'/></extension></complexContent></complexType>)";
-    EXPECT_EQ(typesOfSchema(schema),
-              "E(e:String) Lost(x:String) A(y:String x:String) r(value:String none:String b:A r_b:String u:String)");
+    EXPECT_EQ(
+        typesOfSchema(schema),
+        "E(e:String) Lost(x:String) A(y:String x:String) r(value:String none:String b:A r_b:String u:String n:String)");
     EXPECT_EQ(reportOf(message, folder.path()), R"(13 losses
 b.xsd:1:8: document not well-formed: Couldn't find end of Start Tag schema line 1 (named in x.xsd:1:157)
 x.xsd:1:121: module or document not there: none.xsd
@@ -491,10 +492,11 @@ x.xsd:13:3: name that XML can't represent: a\b
 x.xsd:13:24: name that XML can't represent: 1st
 x.xsd:13:57: name that XML can't represent: no name
 
-16 details
+23 details
 x.xsd:2:32: mixed content (order of text lost): r
 x.xsd:4:3: part that may not occur: a
 x.xsd:5:76: any attribute: r
+x.xsd:5:91: list: n
 x.xsd:6:1: abstract type: A
 x.xsd:6:49: content ANY: y
 x.xsd:7:25: any element: g
@@ -508,13 +510,14 @@ x.xsd:2:32: name changed: b is r_b
 1 document not found
 1 document not well-formed
 1 second declaration
+6 optional parts
+2 lists
 2 facets
 1 content ANY
 1 mixed content
 1 any element
 1 any attribute
 1 abstract type
-1 list
 1 union
 1 part that may not occur
 1 name changed

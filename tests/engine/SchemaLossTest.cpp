@@ -1,5 +1,6 @@
 #include "Import/Schema/Full/SchemaFullMsg.h"
 #include "Import/Schema/Literal/SchemaMsg.h"
+#include "support/FullTypes.h"
 #include "support/Importing.h"
 
 namespace {
@@ -279,6 +280,19 @@ TEST(SchemaLoss, IsToldAtItsPlaceInBothReadings)
         EXPECT_EQ(lossesOf<SchemaFullMessage>(file), CString(row.full) == "=" ? row.literal : row.full) << row.name;
         boxes.take();
     }
+}
+
+TEST(SchemaLoss, DocumentationAndBuiltInListsAreDetailsOfTheLiteralReading)
+{
+    const TempDir folder;
+    SchemaMessage message;
+    message.parseFile(folder.write("x.xsd",
+                                   "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>" MAIN(
+                                       "<xs:annotation><xs:documentation>a</xs:documentation></xs:annotation>" ELEMENT(
+                                           "name='a' type='xs:NMTOKENS'"))
+                                       TYPE("T", "<xs:attribute name='b'/>") "</xs:schema>"),
+                      "\\");
+    EXPECT_EQ(countsOf(message), "; 1 list; 1 optional part; 1 documentation cut short");
 }
 
 } // namespace

@@ -342,7 +342,7 @@ o.xsd:2:1: reference to nothing that was read: Gone
 a.yaml:18:63: module or document not there: none.xsd
 a.yaml:24:8: reference to nothing that was read: T1
 
-3 details
+4 details
 a.yaml:21:63: choice between alternatives: U or W
 u.xsd:1:254: any element: W
 
@@ -351,6 +351,7 @@ u.xsd:1:254: any element: W
 1 document not well-formed
 1 statement not understood
 1 any element
+1 optional part
 1 bound of occurrence
 1 choice
 )");
@@ -364,11 +365,12 @@ a.yaml:17:56: document not well-formed: Opening and ending tag mismatch: a line 
 a.yaml:21:63: reference to nothing that was read: u.xsd#V
 o.xsd:2:1: reference to nothing that was read: Gone
 
-1 detail
+2 details
 
 2 references became text
 1 document not well-formed
 1 statement not understood
+1 optional part
 1 bound of occurrence
 )");
 }

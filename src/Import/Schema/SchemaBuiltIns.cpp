@@ -34,3 +34,8 @@ std::optional<SourceTypes::Kind> builtInKind(std::string_view name)
         return SourceTypes::kindText;
     return std::nullopt;
 }
+
+bool isBuiltInList(std::string_view name)
+{
+    return name == "NMTOKENS" || name == "IDREFS" || name == "ENTITIES";
+}

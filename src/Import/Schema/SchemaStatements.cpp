@@ -376,8 +376,13 @@ void SchemaStatements::countStatement(SchemaTag tag)
     case Tag::openContent:
         addFinding(SourceReport::anyElement, current.qualified());
         break;
-    case Tag::element:
+    case Tag::documentation:
+        details[SourceReport::documentationCut] += knowsPrefixes; // the literal reading has no place for it
+        break;
     case Tag::attribute:
+        details[SourceReport::optionality] += !isAtTop() && !has(Word::use) && !has(Word::minOccurs);
+        [[fallthrough]];
+    case Tag::element:
         details[SourceReport::defaultValue] +=
             has(Word::defaultValue) || has(Word::fixed) || (tag == Tag::attribute && has(Word::value));
         break;

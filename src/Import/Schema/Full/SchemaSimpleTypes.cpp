@@ -1,5 +1,7 @@
 #include "Import/Schema/Full/SchemaSimpleTypes.h"
 
+#include "Import/Schema/SchemaBuiltIns.h"
+
 #include <algorithm>
 #include <unordered_set>
 #include <utility>
@@ -21,8 +23,11 @@ SchemaSimpleTypes::Value valueOfKind(SourceTypes::Kind kind)
 // complex type in a simple one.
 SchemaSimpleTypes::Part SchemaSimpleTypes::partNamed(SchemaName name, Index from)
 {
-    if (const auto builtIn = set.builtInKind(name))
+    if (const auto builtIn = set.builtInKind(name)) {
+        if (isBuiltInList(tree.text(name.local)))
+            set.note(SourceReport::listType, from);
         return {0, valueOfKind(*builtIn)};
+    }
     const SchemaTag around = tree[tree[from].parent].tag;
     Index declared = set.reach(SchemaSet::type, name, from);
     if (around == SchemaTag::simpleType && tree[declared].tag == SchemaTag::complexType) // a value has no fields

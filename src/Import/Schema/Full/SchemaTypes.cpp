@@ -1,6 +1,7 @@
 #include "Import/Schema/Full/SchemaTypes.h"
 
 #include "Import/Full/RootNames.h"
+#include "Import/Schema/SchemaBuiltIns.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -284,6 +285,8 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
         if (const auto builtIn = set.builtInKind(name)) {
             if (tree.text(name.local) == "anyType")
                 set.note(SourceReport::anyContent, declaration);
+            else if (isBuiltInList(tree.text(name.local)))
+                set.note(SourceReport::listType, declaration);
             out.value = {true, *builtIn};
             return true;
         }

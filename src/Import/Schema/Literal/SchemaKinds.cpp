@@ -96,6 +96,11 @@ SchemaKinds::Kind SchemaKinds::builtInKindOf(std::string_view typeName) const
     return *kind == SourceTypes::kindNumber ? number : *kind == SourceTypes::kindTime ? time : text;
 }
 
+bool SchemaKinds::isBuiltInList(std::string_view typeName) const
+{
+    return ::isBuiltInList(typeName.substr(typeName.find(':') + 1)) && builtInKindOf(typeName) == text;
+}
+
 SchemaKinds::Index SchemaKinds::typeCalled(std::string_view typeName) const
 {
     const auto found = named.find(typeName.substr(typeName.find(':') + 1));

@@ -62,6 +62,9 @@ public:
     /// Returns the kind of a built-in type; unknown for any other.
     Kind builtInKindOf(std::string_view typeName) const;
 
+    /// Returns whether a built-in type is a list.
+    bool isBuiltInList(std::string_view typeName) const;
+
 private:
     // A link in the list of a type's parts, newest first.
     struct Part

@@ -186,8 +186,11 @@ void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
         return;
     case SchemaTag::restriction:
         level.simpleType = around.simpleType;
-        if (const std::string_view base = trimmed(statements.valueOf(SchemaAttribute::base)); !base.empty())
+        if (const std::string_view base = trimmed(statements.valueOf(SchemaAttribute::base)); !base.empty()) {
             kinds.addPart(level.simpleType, base);
+            if (kinds.isBuiltInList(base))
+                statements.addFinding(SourceReport::listType, nameAround());
+        }
         return;
     case SchemaTag::unionOf:
         level.simpleType = around.simpleType;
@@ -213,6 +216,8 @@ void SchemaOutline::noteDeclaration(SchemaTag tag)
         statements.addFinding(SourceReport::impossibleName, CString(declaration.name()));
     if (!statements.mayOccur())
         statements.addFinding(SourceReport::elementNotAllowed, nameAround());
+    if (kinds.isBuiltInList(declaration.type))
+        statements.addFinding(SourceReport::listType, nameAround());
     if (declaration.isAbstract)
         statements.addFinding(SourceReport::abstractType, nameAround());
     if (tag == SchemaTag::complexType && isMixed())
