@@ -1,7 +1,7 @@
 #include "Import/Schema/SchemaConditions.h"
 
 #include "Import/Schema/SchemaBuiltIns.h"
-#include "Import/Schema/SchemaStatements.h"
+#include "Import/Schema/SchemaGrammar.h"
 
 #include <charconv>
 #include <system_error>
@@ -37,7 +37,7 @@ std::optional<bool> isConditionMet(std::string_view local, std::string_view valu
     if (!isOfTypes && local != "facetAvailable" && local != "facetUnavailable")
         return std::nullopt;
     bool areAllKnown = true;
-    SchemaStatements::forEachName(value, [&](std::string_view name) {
+    forEachName(value, [&](std::string_view name) {
         const std::size_t colon = name.find(':');
         const std::string_view word = name.substr(colon + 1); // npos + 1 is 0
         areAllKnown &= isLanguagePrefix(name.substr(0, colon == name.npos ? 0 : colon)) &&

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Base/Text.h"
 #include "Xml/XmlParser.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -117,6 +119,17 @@ enum class SchemaEdition : std::uint8_t
 
 /// Returns the edition with this namespace URI; `none` for null and for other namespaces.
 SchemaEdition schemaEditionOf(const char* uri);
+
+/// Calls `take` with each name of a list separated by white space.
+template <class Take>
+void forEachName(std::string_view list, Take take)
+{
+    for (list = trimmed(list); !list.empty(); list = trimmed(list)) {
+        const std::size_t end = std::min(list.find_first_of(kWhitespace), list.size());
+        take(list.substr(0, end));
+        list.remove_prefix(end);
+    }
+}
 
 /// Looks up the words of the schema language during one parse. Interned names are cached by address, so use a new
 /// object for each parse: in another parse the same address may be another name.

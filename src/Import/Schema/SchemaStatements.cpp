@@ -42,8 +42,7 @@ bool isDerivationList(std::string_view value)
 {
     constexpr std::string_view known[] = {"#all", "extension", "restriction", "substitution", "list", "union"};
     bool isValid = true;
-    SchemaStatements::forEachName(value,
-                                  [&](std::string_view word) { isValid &= std::ranges::count(known, word) > 0; });
+    forEachName(value, [&](std::string_view word) { isValid &= std::ranges::count(known, word) > 0; });
     return isValid;
 }
 

@@ -4,7 +4,6 @@
 #include "Import/SourceReport.h"
 #include "Xml/XmlParser.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -88,17 +87,6 @@ public:
     static bool isTextContent(std::string_view content)
     {
         return trimmed(content) == "mixed" || trimmed(content) == "textOnly";
-    }
-
-    /// Calls `take` with each name of a list separated by white space.
-    template <class Take>
-    static void forEachName(std::string_view list, Take take)
-    {
-        for (list = trimmed(list); !list.empty(); list = trimmed(list)) {
-            const std::size_t end = std::min(list.find_first_of(kWhitespace), list.size());
-            take(list.substr(0, end));
-            list.remove_prefix(end);
-        }
     }
 
 private:

@@ -319,7 +319,7 @@ void SchemaReader::readAttribute(SchemaNode& node, const SchemaStatements::Attri
 std::uint16_t SchemaReader::readBlocks(std::string_view value)
 {
     unsigned flags = 0;
-    SchemaStatements::forEachName(value, [&flags](std::string_view word) {
+    forEachName(value, [&flags](std::string_view word) {
         for (const auto& [known, flag] : kBlocks)
             flags |= word == known ? flag : 0;
     });
@@ -331,7 +331,7 @@ std::uint16_t SchemaReader::readBlocks(std::string_view value)
 std::uint32_t SchemaReader::readList(std::string_view value)
 {
     const auto first = static_cast<std::uint32_t>(tree.listed.size());
-    SchemaStatements::forEachName(value, [this](std::string_view name) {
+    forEachName(value, [this](std::string_view name) {
         if (const SchemaName resolved = resolve(name); resolved.local != 0)
             tree.listed.push_back(resolved);
     });

@@ -176,8 +176,7 @@ void WsdlReader::readNames(std::string_view local, XmlAttributes attributes, Sou
     const std::string_view name = attributes.valueOf("name");
     if (section == "interface" && open.size() == 2) {
         names.insert(tree.names.intern("interface " + CString(name)));
-        SchemaStatements::forEachName(attributes.valueOf("extends"),
-                                      [&](std::string_view base) { addUse("interface ", base, place); });
+        forEachName(attributes.valueOf("extends"), [&](std::string_view base) { addUse("interface ", base, place); });
     } else if (section == "interface" && open.size() == 3 && local == "fault") {
         names.insert(tree.names.intern("fault " + CString(name)));
     } else if (local == "fault" || local == "infault" || local == "outfault") {

@@ -194,8 +194,8 @@ void SchemaOutline::noteSimpleType(SchemaTag tag, Level& level)
         return;
     case SchemaTag::unionOf:
         level.simpleType = around.simpleType;
-        return SchemaStatements::forEachName(statements.valueOf(SchemaAttribute::memberTypes),
-                                             [&](std::string_view member) { kinds.addPart(level.simpleType, member); });
+        return forEachName(statements.valueOf(SchemaAttribute::memberTypes),
+                           [&](std::string_view member) { kinds.addPart(level.simpleType, member); });
     case SchemaTag::list:
         kinds.setList(around.simpleType);
         return statements.addFinding(SourceReport::listType, nameAround());
