@@ -107,12 +107,13 @@ int ListRows::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(titles.size());
 }
 
-// The mark stands before the first cell only. A screen reader reads its word with the name.
+// The mark stands before the first cell only. A screen reader reads its word with the name. A line feed in a cell would
+// make all rows higher and hide the text after it.
 QVariant ListRows::data(const QModelIndex& index, int role) const
 {
     const int row = rowAt(index.row());
     if (role == Qt::DisplayRole)
-        return toUi(cells(row, index.column()));
+        return toUi(shownText(cells(row, index.column())));
     if (index.column() != 0 || !marks)
         return {};
     if (role == Qt::DecorationRole)
@@ -123,7 +124,7 @@ QVariant ListRows::data(const QModelIndex& index, int role) const
         return bold;
     }
     if (role == Qt::AccessibleTextRole)
-        return toUi(cells(row, 0)) + ", " + marks(row).word;
+        return toUi(shownText(cells(row, 0))) + ", " + marks(row).word;
     return role == Qt::ToolTipRole ? plainToolTip(marks(row).word) : QVariant();
 }
 

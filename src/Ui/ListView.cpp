@@ -182,7 +182,7 @@ void ListView::copyNames() const
     std::sort(copied.begin(), copied.end());
     QStringList names;
     for (const QModelIndex& index : copied)
-        names.append(index.data().toString());
+        names.append(toUi(rows->cell(rows->rowAt(index.row()), 0))); // as it is, with control characters
     QGuiApplication::clipboard()->setText(names.join('\n'));
 }
 

@@ -277,4 +277,13 @@ TEST_F(Settings, AreOldOrNewWheneverTheProcessIsKilled)
     EXPECT_FALSE(std::filesystem::exists(dir.path("config/typeforge/settings.json.bad")));
 }
 
+TEST(Results, StandOnOneLineEach)
+{
+    QELOptions options;
+    options.addResult("a\nb skipped", ResultKind::skipped);
+    CListBox box;
+    options.fillResultList(box);
+    EXPECT_EQ(box.item(0)->text(), "a b skipped");
+}
+
 } // namespace

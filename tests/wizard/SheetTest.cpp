@@ -144,13 +144,13 @@ struct Arrangement
     const char* shown;
     int selected; // afterwards; row 2 is selected before
 } const kArrangements[] = {
-    {0, "", "b\nA\nc", 2}, {1, "", "A\nb\nc", 2}, {2, "", "c\nb\nA", 2},
-    {3, "", "b\nA\nc", 2}, {2, "B", "c\nb", 2},   {0, "a", "A", -1},
+    {0, "", "b\nA\nc\nd", 2}, {1, "", "A\nb\nc\nd", 2}, {2, "", "c\nd\nb\nA", 2},
+    {3, "", "b\nA\nc\nd", 2}, {2, "B", "c\nd\nb", 2},   {0, "a", "A", -1},
 };
 
 TEST(List, FiltersSortsAndCopies)
 {
-    const std::pair<const char*, const char*> cells[] = {{"b", ""}, {"A", ""}, {"c", "like b"}};
+    const std::pair<const char*, const char*> cells[] = {{"b", ""}, {"A", ""}, {"c\nd", "like b"}};
     for (const Arrangement& row : kArrangements) {
         SCOPED_TRACE(testing::Message() << row.clicks << " clicks, filter " << row.filter);
         ListView list({{"Name", 50}, {"Description", 50}}, "Rows");
@@ -163,12 +163,13 @@ TEST(List, FiltersSortsAndCopies)
         QObject::connect(&list, &ListView::selectedRowsChanged, &list, [&] { heard = list.selectedRow(); });
         list.selectRow(2);
         for (int i = 0; i < row.clicks; ++i)
+        EXPECT_EQ(list.currentIndex().data(), "c d"); // on one line
             QTest::mouseClick(list.header()->viewport(), Qt::LeftButton, {}, {5, 5});
         QTest::keyClicks(filter.findChild<QLineEdit*>(), row.filter);
         EXPECT_EQ(list.selectedRow(), row.selected);
         EXPECT_EQ(heard, row.selected);
         QTest::keySequence(&list, QKeySequence::Copy);
-        EXPECT_EQ(QApplication::clipboard()->text(), row.selected == 2 ? "c" : row.shown);
+        EXPECT_EQ(QApplication::clipboard()->text(), row.selected == 2 ? "c\nd" : row.shown);
         list.clearSelection();
         QTest::keySequence(&list, QKeySequence::Copy);
         EXPECT_EQ(QApplication::clipboard()->text(), row.shown);

@@ -147,11 +147,12 @@ void QELOptions::addResult(const CString& line, ResultKind kind)
     resultKinds.push_back(kind);
 }
 
+// A line feed in a type's name would hide the outcome after it.
 void QELOptions::fillResultList(CListBox& box) const
 {
     QStringList lines; // added at once, because each insertion updates the view
     for (const CString& line : resultList)
-        lines.append(toUi(line));
+        lines.append(toUi(shownText(line)));
     box.clear();
     box.addItems(lines);
 }
