@@ -114,8 +114,8 @@ public:
 
     void help()
     {
-        showHelp(&sheet, 10);
-        keep("help", *sheet.findChild<QWidget*>("helpWindow"));
+        sheet.helpWindow().showTopic(10);
+        keep("help", sheet.helpWindow());
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "Ui/LongWork.h"
 
+#include "Ui/SideWindow.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
@@ -71,6 +73,15 @@ bool isEscape(const QEvent& event)
     default:
         return false;
     }
+}
+
+// Returns whether an object belongs to a window beside the wizard that has no owner, such as the help. Windows with an
+// owner can show, and change, what the work uses.
+bool isIndependent(const QObject* object)
+{
+    while (object->parent())
+        object = object->parent();
+    return dynamic_cast<const SideWindow*>(object) != nullptr;
 }
 
 // Returns whether an event may reach a button: any but a key that doesn't press it, because other keys move the focus
@@ -222,6 +233,8 @@ bool LongWork::isFinished() const
 // works, and in its popups, such as the context menu of a text.
 bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 {
+    if (isIndependent(target))
+        return true;
     const QWidget* const box = QApplication::activeModalWidget(); // shown by the work
     if (!box)
         return target == &cancelButton && pressesButton(event);
@@ -232,7 +245,7 @@ bool LongWork::isAllowed(const QObject* target, const QEvent& event) const
 }
 
 // Filters events of widgets and shortcuts. Native windows pass their events on to widgets, so those come by here again.
-// The application's filter sees the events of all windows, so windows beside the wizard are blocked, too.
+// The application's filter sees the events of all windows, so windows that the wizard owns are blocked, too.
 bool LongWork::eventFilter(QObject* target, QEvent* event)
 {
     const bool isRelevant = target->isWidgetType() || event->type() == QEvent::Shortcut;

@@ -78,7 +78,7 @@ void ModalBox::show(const CString& text, const CString& title, const CString& de
     QMessageBox box(QMessageBox::NoIcon, plainTitle(toUi(title)), {}, QMessageBox::Ok, owner);
     box.setTextFormat(Qt::PlainText);
     box.setText(toUi(text));
-    box.setWindowModality(Qt::WindowModal);
+    box.setWindowModality(Qt::WindowModal); // leaves the help usable
     if (series.running && series.shown++ > 0)
         box.setCheckBox(new QCheckBox("&Hide further messages of this import"));
     auto* texts = new MessageTexts(toUi(text), toUi(details));
@@ -98,6 +98,7 @@ int ModalBox::ask(const QString& title, const QString& question, const QStringLi
     QMessageBox box(QMessageBox::NoIcon, plainTitle(title), {}, QMessageBox::Cancel, owner);
     box.setTextFormat(Qt::PlainText);
     box.setText(question);
+    box.setWindowModality(Qt::WindowModal);
     QList<QAbstractButton*> buttons;
     for (const QString& answer : answers)
         buttons.append(box.addButton(answer, QMessageBox::AcceptRole));

@@ -7,8 +7,8 @@
 #include <QPushButton>
 #include <QWidget>
 
-/// The base of the windows beside the wizard. They are destroyed with their owner, and a modal owner doesn't block
-/// them.
+/// The base of the windows beside the wizard. A window with an owner is destroyed with it, and blocked by the owner's
+/// boxes and long work; one without an owner depends on nothing of the wizard.
 class SideWindow : public QWidget
 {
 public:

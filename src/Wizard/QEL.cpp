@@ -73,5 +73,5 @@ void CQELApp::WinHelp(DWORD data, UINT command)
     const HelpId* row = helpIds;
     while (row->dialogId != 0 && row->dialogId != int(data & 0xFFFF))
         ++row;
-    showHelp(dynamic_cast<QELWizard*>(mainWindow()), row->topic);
+    dynamic_cast<QELWizard&>(*mainWindow()).helpWindow().showTopic(row->topic);
 }

@@ -12,6 +12,7 @@
 #include "Ui/UiText.h"
 #include "Wizard/Run/SourceList.h"
 #include "Wizard/WindowLayout.h"
+#include "Wizard/Windows/HelpWindow.h"
 
 #include <QDropEvent>
 #include <QIcon>
@@ -138,6 +139,16 @@ void QELWizard::openFiles(const QStringList& files)
         sourcePage.takeFile(textOfSources(together));
     }
     reportIgnoredFiles(aside, isOneOfMany);
+}
+
+// Without an owner, the window doesn't get the wizard's icon by itself.
+HelpWindow& QELWizard::helpWindow()
+{
+    if (!help) {
+        help = std::make_unique<HelpWindow>();
+        help->setWindowIcon(windowIcon());
+    }
+    return *help;
 }
 
 // The lists of a page exist from now on, so their widths can be restored.

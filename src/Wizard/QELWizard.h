@@ -14,6 +14,10 @@
 #include "Wizard/Pages/SourceTypePage.h"
 #include "Wizard/Run/WizardRun.h"
 
+#include <memory>
+
+class HelpWindow;
+
 /// The program's main window: the sheet with its pages. It is both the window and the state of the run, so a page finds
 /// the state by a cast of its sheet.
 ///
@@ -30,6 +34,9 @@ public:
     /// Goes through the pages as the user would: chooses the importer, and continues to the input page with the names.
     /// A box lists the files that are left out. `files` must not be empty.
     void openFiles(const QStringList& files) override;
+
+    /// Returns the help window, which is created on first use and hidden until it shows a topic.
+    HelpWindow& helpWindow();
 
 protected:
     /// Restores the widths of the page's columns.
@@ -50,4 +57,6 @@ private:
     LoginToBroker loginToBroker;
     CreateResultPage createResultPage;
     FinishPage finishPage;
+
+    std::unique_ptr<HelpWindow> help; // keeps its size and the pages visited while it is closed
 };

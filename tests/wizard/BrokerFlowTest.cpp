@@ -2,6 +2,7 @@
 #include "Files/SettingsStore.h"
 #include "TestFolders.h"
 #include "Wizard/Pages/Overwrite.h"
+#include "Wizard/Windows/HelpWindow.h"
 #include "wizard/Desk.h"
 
 #include <QClipboard>
@@ -239,6 +240,37 @@ TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
 {
     BrokerDesk desk;
     desk.logOn("local", "1", nullptr, "");
+// The clicks go through the window, which a modal dialog may block.
+TEST(OverwriteDialog, LeavesItsHelpUsable)
+{
+    BrokerDesk desk;
+    desk.logOn("local", "1", nullptr, "");
+    desk.create({});
+    desk.click("back");
+    QWidget& help = desk.wizard().helpWindow();
+    const auto clickOn = [](QWidget& window, const char* button) {
+        auto* target = window.findChild<QWidget*>(button);
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, target->mapTo(&window, target->rect().center()));
+    };
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (dialog == nullptr)
+            return;
+        user.stop();
+        QTest::keyClick(dialog, Qt::Key_F1);
+        EXPECT_TRUE(help.isVisible());
+        clickOn(desk.wizard(), "cancel");
+        EXPECT_TRUE(desk.wizard().isVisible() && dialog->isVisible());
+        clickOn(help, "close");
+        EXPECT_FALSE(help.isVisible());
+        QTest::keyClick(dialog, Qt::Key_T);
+    });
+    user.start(1);
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_CREATE_RESULT);
+}
+
     desk.create({});
     const CString first = desk.source;
     desk.end();

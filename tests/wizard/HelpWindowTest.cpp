@@ -17,8 +17,7 @@ protected:
     bool enabled(const char* button) { return window.findChild<QPushButton*>(button)->isEnabled(); }
     void press(int key) { QTest::keyClick(&window, static_cast<Qt::Key>(key), Qt::AltModifier); }
 
-    QWidget owner;
-    HelpWindow window{&owner};
+    HelpWindow window;
 };
 
 TEST_F(Help, HasAPageForEachTopic)

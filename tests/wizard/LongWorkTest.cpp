@@ -4,6 +4,8 @@
 #include "Base/QELApp.h"
 #include "Ui/ModalBox.h"
 #include "Ui/RemainingTime.h"
+#include "Wizard/Windows/DocumentWindow.h"
+#include "Wizard/Windows/HelpWindow.h"
 #include "support/Servers.h"
 #include "wizard/Desk.h"
 
@@ -90,6 +92,10 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
         desk.walkTo(IDD_SOURCE);
         auto& field = *desk.control<QComboBox>(IDC_INPUT_FILE).lineEdit();
         const QString before = field.text();
+        HelpWindow& help = desk.wizard().helpWindow();
+        help.show();
+        DocumentWindow owned(&desk.wizard(), "owned", "", {});
+        owned.show();
         desk.wizard().activateWindow(); // mnemonics need an active window
         ASSERT_TRUE(QTest::qWaitForWindowActive(&desk.wizard()));
         field.setFocus();
@@ -100,6 +106,9 @@ TEST(LongWork, LetsInputReachNothingButItsCancel)
             desk.click("back");
             QTest::mouseClick(&desk.control<QAbstractButton>(IDC_BROWSE), Qt::LeftButton);
             EXPECT_FALSE(desk.wizard().findChild<QAbstractButton*>("next")->isVisible());
+            for (QWidget* window : std::initializer_list<QWidget*>{&help, &owned})
+                QTest::mouseClick(window->findChild<QAbstractButton*>("close"), Qt::LeftButton);
+            EXPECT_TRUE(help.isHidden() && owned.isVisible());
             cancel(desk);
         });
         EXPECT_THROW(desk.wizard().runLong(countTables), Cancelled);

@@ -6,6 +6,7 @@
 #include "Ui/ModalBox.h"
 #include "Ui/WaitCursor.h"
 #include "Wizard/WindowLayout.h"
+#include "Wizard/Windows/HelpWindow.h"
 #include "wizard/Desk.h"
 
 #include <QCheckBox>
@@ -105,15 +106,15 @@ TEST(Sheet, HelpLeadsToThePagesTopic)
     Desk desk;
     desk.walkTo(IDD_OUTPUT_FILE);
     desk.click("help");
-    auto* window = desk.wizard().findChild<QWidget*>("helpWindow");
-    ASSERT_NE(window, nullptr);
-    const CString topic = window->windowTitle().toStdString();
+    const HelpWindow& window = desk.wizard().helpWindow();
+    EXPECT_TRUE(window.isVisible());
+    const CString topic = window.windowTitle().toStdString();
     desk.click("back");
     desk.click("help");
-    EXPECT_NE(window->windowTitle().toStdString(), topic);
+    EXPECT_NE(window.windowTitle().toStdString(), topic);
     theApp.WinHelp(0x10000 + IDD_OUTPUT_FILE, 1); // the low half is the page
     theApp.WinHelp(IDD_OUTPUT, 2);                // not the context help command
-    EXPECT_EQ(window->windowTitle().toStdString(), topic);
+    EXPECT_EQ(window.windowTitle().toStdString(), topic);
 }
 
 TEST(Combo, FollowsTheWheelOnlyWithTheFocus)
@@ -162,8 +163,8 @@ TEST(List, FiltersSortsAndCopies)
         int heard = -1; // the selected row at the last signal
         QObject::connect(&list, &ListView::selectedRowsChanged, &list, [&] { heard = list.selectedRow(); });
         list.selectRow(2);
-        for (int i = 0; i < row.clicks; ++i)
         EXPECT_EQ(list.currentIndex().data(), "c d"); // on one line
+        for (int i = 0; i < row.clicks; ++i)
             QTest::mouseClick(list.header()->viewport(), Qt::LeftButton, {}, {5, 5});
         QTest::keyClicks(filter.findChild<QLineEdit*>(), row.filter);
         EXPECT_EQ(list.selectedRow(), row.selected);

@@ -17,6 +17,7 @@ OverWriteDlg::OverWriteDlg(CWnd* owner) : QDialog(owner)
 {
     setObjectName(QString::number(IDD_OVERWRITE));
     setWindowTitle(plainTitle("Overwrite confirmation"));
+    setWindowModality(Qt::WindowModal); // exec() would block the help, too
     auto* grid = new QGridLayout(this);
     grid->setRowStretch(0, 1);
     addButton(IDC_YES, "&Yes", &OverWriteDlg::OnYes);

@@ -20,6 +20,7 @@ bool askForLogon(QWidget* parent, const CString& source, const CString& reason, 
     keepOutOfCores();
     QDialog dialog(parent);
     dialog.setObjectName("DataSourceLogon");
+    dialog.setWindowModality(Qt::WindowModal); // leaves the help usable
     dialog.setWindowTitle(plainTitle("Log on to " + toUi(source)));
     auto* userEdit = new QLineEdit(toUi(user));
     userEdit->setObjectName(QString::number(IDC_SOURCE_USER));

@@ -17,7 +17,7 @@ QUrl pageOf(int topic)
 } // namespace
 
 // Back and Forward are those of the browser, which keeps the pages visited.
-HelpWindow::HelpWindow(QWidget* owner) : SideWindow(owner, "helpWindow"), browser(new QTextBrowser)
+HelpWindow::HelpWindow() : SideWindow(nullptr, "helpWindow"), browser(new QTextBrowser)
 {
     browser->setObjectName("topic");
     browser->setAccessibleName(tr("Help text"));
@@ -50,13 +50,4 @@ void HelpWindow::showTopic(int topic)
     raise();
     activateWindow();
     browser->setFocus();
-}
-
-// A closed window is only hidden, so it is found again with its size and the pages visited.
-void showHelp(QWidget* owner, int topic)
-{
-    auto* window = dynamic_cast<HelpWindow*>(owner->findChild<QWidget*>("helpWindow", Qt::FindDirectChildrenOnly));
-    if (!window)
-        window = new HelpWindow(owner);
-    window->showTopic(topic);
 }

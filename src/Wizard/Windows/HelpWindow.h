@@ -4,11 +4,12 @@
 
 class QTextBrowser;
 
-/// A window with the help pages that stays open beside the wizard.
+/// A window with the help pages that stays open beside the wizard. It has no owner, so that no box blocks it: it
+/// explains the boxes.
 class HelpWindow : public SideWindow
 {
 public:
-    explicit HelpWindow(QWidget* owner);
+    HelpWindow();
 
     /// Shows the page of a topic, 1 to 11; any other number shows the contents. Brings the window to the front.
     void showTopic(int topic);
@@ -16,6 +17,3 @@ public:
 private:
     QTextBrowser* browser;
 };
-
-/// Shows a topic in the owner's help window, which is created on first use. `owner` must not be null.
-void showHelp(QWidget* owner, int topic);
