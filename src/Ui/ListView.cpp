@@ -257,6 +257,16 @@ void ListView::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
+// Only the left button counts, because a double click leads to the next page. Qt emits no signal beside the rows.
+void ListView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    QTreeView::mouseDoubleClickEvent(event);
+    if (!indexAt(event->pos()).isValid())
+        Q_EMIT doubleClickedBeside();
+}
+
 // A click counts even if it selects nothing new: the importer page then shows the importer's own path again.
 void ListView::mouseReleaseEvent(QMouseEvent* event)
 {

@@ -77,6 +77,9 @@ Q_SIGNALS:
     /// the selection.
     void chosen();
 
+    /// Emitted at a double click beside the rows; doubleClicked() is that on a row.
+    void doubleClickedBeside();
+
     /// Emitted if a filter changes which rows are shown; `filter` is its text.
     void shownRowsChanged(const QString& filter);
 
@@ -87,6 +90,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 

@@ -65,6 +65,9 @@ TEST(ImporterPage, KeepsTheImporterWithTheRow)
     EXPECT_EQ(desk.text(IDC_OBJECT_PATH), "\\sys\\rosettanet\\");
     QTest::qWait(QApplication::doubleClickInterval());
     desk.control<QLineEdit>(IDC_OBJECT_PATH).setText("\\typed again");
+    QTest::mouseDClick(list.viewport(), Qt::MiddleButton, {}, row);
+    EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
+    desk.control<QLineEdit>(IDC_OBJECT_PATH).setText("\\typed again");
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row);
     EXPECT_EQ(desk.page(), IDD_SOURCE);
     EXPECT_EQ(desk.wizard().options.queryPath(), "\\typed again\\");
@@ -251,9 +254,11 @@ TEST(TypesPage, ShowsATypeInAFileOfItsOwnForTheRun)
     EXPECT_EQ(list.selectedRow(), 1); // the main type
     EXPECT_TRUE(list.model()->index(1, 0).data(Qt::FontRole).value<QFont>().bold());
     EXPECT_EQ(list.model()->index(1, 0).data(Qt::AccessibleTextRole), "order, record, main type");
-    list.clearSelection();
+    const QPoint beside(5, list.viewport()->height() - 2);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, beside);
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, beside);
     desk.press(IDC_VIEW);
-    EXPECT_EQ(desk.boxes.take(), Texts{"Please select a type to view"});
+    EXPECT_EQ(desk.boxes.take(), Texts(2, "Please select a type to view"));
     const QPoint second = list.visualRect(list.model()->index(1, 0)).center();
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, second);
     desk.press(IDC_VIEW);

@@ -87,6 +87,7 @@ QWidget* EditPage::makeLists()
     typeList = withId(IDC_TYPES, new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}},
                                               "Generated types"));
     connect(typeList, &ListView::doubleClicked, this, &EditPage::OnDblclkEdit);
+    connect(typeList, &ListView::doubleClickedBeside, this, &EditPage::OnDblclkEdit);
     connect(typeList, &ListView::selectedRowsChanged, this, &EditPage::showStructure);
     auto* list = new QWidget;
     auto* column = new QVBoxLayout(list);
