@@ -274,7 +274,7 @@ LRESULT SourcePage::OnWizardNext()
     return IDD_EDIT;
 }
 
-CString SourcePage::namedFile() const
+std::vector<CString> SourcePage::namedFiles() const
 {
     return sourcesIn(fileName).front();
 }
@@ -321,7 +321,7 @@ CString SourcePage::chooseFile()
 {
     const MsgUIDescriptor& importer = *wizard->message->queryDescriptor();
     const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(importer),
-                                   wizard->options.queryInputFolder(), namedFile()};
+                                   wizard->options.queryInputFolder(), namedFiles().front()};
     return readsSeveral(importer) ? textOfSources(chooseFilesToOpen(this, question)) : chooseFileToOpen(this, question);
 }
 
