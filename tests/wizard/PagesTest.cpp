@@ -198,6 +198,23 @@ TEST(SourcePage, StaysWhereAnImportFails)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
+TEST(SourcePage, SaysWhyItStaysIfADocumentHasNoTypes)
+{
+    Desk desk;
+    desk.importer = "BTD importer";
+    desk.walkTo(IDD_SOURCE);
+    desk.type(IDC_INPUT_FILE, desk.dir.write("in/none.xml", "<r/>"));
+    desk.click("next");
+    EXPECT_EQ(desk.page(), IDD_SOURCE);
+    EXPECT_TRUE(desk.control<QLabel>(IDC_HINT).isVisible());
+    EXPECT_EQ(desk.text(IDC_HINT), "The source contains no types. Choose another one.");
+    desk.type(IDC_INPUT_FILE, desk.dir.write("in/bad.xml", "<r>"));
+    EXPECT_FALSE(desk.control<QLabel>(IDC_HINT).isVisible());
+    desk.click("next");
+    EXPECT_EQ(desk.boxes.take().size(), 1u);
+    EXPECT_FALSE(desk.control<QLabel>(IDC_HINT).isVisible());
+}
+
 // The importers with a full reading offer it, and the errors that end a literal reading point to it.
 TEST(SourcePage, OffersTheFullReading)
 {

@@ -7,6 +7,7 @@
 #include "Import/Full/Catalogs.h"
 #include "Import/Full/FullReadingHint.h"
 #include "Resources/StringTable.h"
+#include "Ui/Announce.h"
 #include "Ui/ComboBox.h"
 #include "Ui/FileDialog.h"
 #include "Ui/PathCompleter.h"
@@ -122,9 +123,12 @@ void SourcePage::OnInitDialog()
     catalogState = withId(IDC_CATALOG_STATE, plainLabel());
     catalogState->setWordWrap(true); // a long name would widen the window
     addRow(catalogState);
+    hint = withId(IDC_HINT, plainLabel());
+    addRow(hint);
     connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::showSetRows);
     connect(fullCheck, &QCheckBox::toggled, this, &SourcePage::removeFrame);
     connect(&combo(), &QComboBox::editTextChanged, this, &SourcePage::updatePreview);
+    connect(&combo(), &QComboBox::editTextChanged, hint, &QLabel::hide);
 }
 
 // Returns the row of controls for a source of several files: the layout of folders, and a button that chooses a folder.
@@ -162,6 +166,7 @@ QWidget* SourcePage::makeCatalogRow()
 void SourcePage::OnSetActive()
 {
     FilePage::OnSetActive();
+    hint->hide();
     fullCheck->setVisible(wizard->message->queryDescriptor()->hasFull());
     fullCheck->setChecked(wizard->options.queryFullReading() != 0);
     catalogState->setText(toUi(environmentCatalogError()));
@@ -245,6 +250,7 @@ CString SourcePage::sourceError(const std::vector<CString>& names) const
 LRESULT SourcePage::OnWizardNext()
 {
     UpdateData(true);
+    hint->hide();
     pane->stop();
     const auto restartPreview = qScopeGuard([this] { updatePreview(); });
     const std::vector<CString> names = sourcesIn(fileName);
@@ -264,19 +270,24 @@ LRESULT SourcePage::OnWizardNext()
         wizard->options.addInputFile(fileName);
     chooseReading();
     // For this import only: the advice is about this page, and the page of types can import again.
-    wizard->message->setErrorHandler([this, file = names.front()](const CString& text, const SourceFault& fault) {
+    bool isReported = false;
+    wizard->message->setErrorHandler([&, file = names.front()](const CString& text, const SourceFault& fault) {
+        isReported = true;
         theApp.Error(text, IDS_ERROR_TITLE, fault, fullReadingAdvice(*wizard, text, file));
     });
     const auto forget = qScopeGuard([this] { wizard->message->setErrorHandler({}); });
-    if (!wizard->importSources(names))
-        return -1; // the importer has shown the error
+    if (!wizard->importSources(names)) {
+        if (!isReported) // a document without types is no error for its importer
+            announce(*hint, tr("The source contains no types. Choose another one."));
+        return -1;
+    }
     wizard->options.setEditBack(IDD_SOURCE);
     return IDD_EDIT;
 }
 
 std::vector<CString> SourcePage::namedFiles() const
 {
-    return sourcesIn(fileName).front();
+    return sourcesIn(fileName);
 }
 
 // A longer text fits neither the field nor the settings.

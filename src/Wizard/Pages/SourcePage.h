@@ -54,4 +54,5 @@ private:
     QWidget* catalogRow = nullptr;
     QLineEdit* catalogEdit = nullptr;
     QLabel* catalogState = nullptr; // the catalogues of the environment that can't be read
+    QLabel* hint = nullptr;         // why Next stays without a box; hidden once another source is named
 };
