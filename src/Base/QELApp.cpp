@@ -3,8 +3,24 @@
 #include "Base/MessageBox.h"
 #include "Resources/StringTable.h"
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
+#include <string_view>
+
+namespace {
+
+// Returns a reason without its first clause if the text has that, too, with the file's name instead of "it".
+std::string_view withoutRepetition(std::string_view reason, std::string_view text)
+{
+    constexpr std::string_view it = "it ", separator = "; ";
+    const std::size_t end = std::min(reason.find(separator), reason.size());
+    if (!reason.starts_with(it) || text.find(reason.substr(it.size(), end - it.size())) == text.npos)
+        return reason;
+    return reason.substr(std::min(end + separator.size(), reason.size()));
+}
+
+} // namespace
 
 CQELApp theApp;
 
@@ -26,7 +42,7 @@ void CQELApp::Error(const CString& text, UINT titleId, const SourceFault& fault,
         if (!words.empty() && text.find(words) == CString::npos)
             details += (details.empty() ? "" : "\n") + (before + words);
     };
-    add(fault.reason, "");
+    add(CString(withoutRepetition(fault.reason, text)), "");
     add(fault.file, "In the file ");
     showMessageBox(text, loadText(titleId), details);
 }
