@@ -176,6 +176,9 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     QTest::keyClicks(server, "local");
     EXPECT_FALSE(user.isEnabled());
     QTest::keyClicks(server, "host");
+    desk.control<QLineEdit>(IDC_PORT).setFocus();
+    QTest::keyClick(&desk.control<QLineEdit>(IDC_PORT), Qt::Key_Tab);
+    EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_LOGON_TRUSTED);
     EXPECT_TRUE(user.isEnabled());
     desk.press(IDC_LOGON_TRUSTED);
     QTest::keyClick(server, Qt::Key_Backspace);
@@ -237,9 +240,6 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
 }
 
 TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
-{
-    BrokerDesk desk;
-    desk.logOn("local", "1", nullptr, "");
 // The clicks go through the window, which a modal dialog may block.
 TEST(OverwriteDialog, LeavesItsHelpUsable)
 {
@@ -271,6 +271,9 @@ TEST(OverwriteDialog, LeavesItsHelpUsable)
     EXPECT_EQ(desk.page(), IDD_CREATE_RESULT);
 }
 
+{
+    BrokerDesk desk;
+    desk.logOn("local", "1", nullptr, "");
     desk.create({});
     const CString first = desk.source;
     desk.end();

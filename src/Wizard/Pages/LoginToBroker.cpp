@@ -11,6 +11,7 @@
 #include "Resources/StringTable.h"
 #include "Ui/ComboBox.h"
 #include "Ui/LongWork.h"
+#include "Ui/Mnemonics.h"
 #include "Ui/SecretEdit.h"
 #include "Ui/UiText.h"
 #include "Ui/WaitCursor.h"
@@ -161,6 +162,7 @@ void LoginToBroker::suggestLogon(const QString& typed)
         trustedButton->click();
         isSuggested = true;
     }
+    setRadioTabStops(this); // Qt only does this when one of the buttons gets the focus
 }
 
 // Logging on and creating are one piece of work. The session lives in the work's thread and ends there, so closing it
