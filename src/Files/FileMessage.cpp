@@ -53,7 +53,9 @@ CString inWords(const CString& fileName, FileCause cause)
         return again.message();
     if (const auto* const row = std::ranges::find(kCauses, cause, &CauseRow::cause); row != std::end(kCauses))
         return std::generic_category().message(row->error);
-    // EOVERFLOW, for a file above the limit, has no cause of its own and counts as generic.
+    // Devices and pipes, and EOVERFLOW, for a file above the limit, have no cause of their own and count as generic.
+    if (cause == FileCause::generic && std::filesystem::is_other(fileName, again))
+        return "It is not a regular file";
     const std::uintmax_t size = std::filesystem::file_size(fileName, again);
     return cause == FileCause::generic && !again && size > kMaxNamedFile ? inWords(EOVERFLOW)
                                                                          : "The system refused access";

@@ -186,7 +186,7 @@ TEST(SourcePage, StaysWhereAnImportFails)
         desk.click("next");
         details.push_back(desk.boxes.details);
     }
-    EXPECT_EQ(details, (Texts{"The system refused access", "This is a folder. Choose a file.",
+    EXPECT_EQ(details, (Texts{"It is not a regular file", "This is a folder. Choose a file.",
                               "No such file or directory", "In the file " + desk.dir.path("in/broken.xml")}));
     desk.wizard().message = std::make_unique<Thrower>();
     desk.click("next");
