@@ -104,6 +104,16 @@ TEST_F(DatabaseFlow, LeadsFromTheDataSourceToTheTypes)
     EXPECT_EQ(desk.page(), IDD_SOURCE_TYPE);
 }
 
+TEST_F(DatabaseFlow, SaysThatThereIsNoDataSource)
+{
+    start("");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(desk.text(IDC_HINT), "There are no data sources on this computer. Help explains how to set one up.");
+        desk.click("next");
+    }
+    EXPECT_EQ(desk.page(), IDD_DATA_SOURCE);
+}
+
 TEST_F(DatabaseFlow, OffersACommandThatReadsTheSameTables)
 {
     qputenv("SOURCE_DATE_EPOCH", "1700000000");

@@ -45,7 +45,13 @@ void DataSourcePage::OnSetActive()
     if (selectedSource != -1)
         dataSourceList->selectRow(selectedSource);
     if (sources.empty())
-        announce(*hint, tr("There are no data sources on this computer. Help explains how to set one up."));
+        announceMissing();
+}
+
+void DataSourcePage::announceMissing()
+{
+    announce(*hint, sources.empty() ? tr("There are no data sources on this computer. Help explains how to set one up.")
+                                    : tr("Select a data source to continue."));
 }
 
 // Passes the name on as it is listed. Starts the script anew, with the data source as the source.
@@ -53,7 +59,7 @@ LRESULT DataSourcePage::OnWizardNext()
 {
     const int row = dataSourceList->selectedRow();
     if (row < 0) {
-        announce(*hint, tr("Select a data source to continue."));
+        announceMissing();
         return -1;
     }
     selectedSource = row;

@@ -20,6 +20,9 @@ public:
     LRESULT OnWizardBack() override { return IDD_SOURCE_TYPE; }
 
 private:
+    // Says what is missing to continue: a source to select, or any at all.
+    void announceMissing();
+
     ListView* dataSourceList = nullptr;
     QLabel* hint = nullptr;          // below the list; hidden once a row is selected
     std::vector<DataSource> sources; // the rows of the list
