@@ -72,6 +72,7 @@ public:
             for (const auto* edit : dialog->findChildren<QTextEdit*>()) // the question, then the details
                 texts += (texts.isEmpty() ? "" : "|") + edit->toPlainText();
             questions.push_back(texts.toStdString());
+            EXPECT_EQ(dialog->findChild<QWidget*>("1050")->property("text").toString(), texts.section('|', 0, 0));
             const int button = answers.at(questions.size() - 1);
             if (button == 0)
                 dialog->close();
@@ -175,10 +176,10 @@ TEST(LoginPage, TakesUserNamesInUpperCaseAndOnlyForABrokerLogon)
     auto* server = desk.control<QComboBox>(IDC_SERVER).lineEdit();
     QTest::keyClicks(server, "local");
     EXPECT_FALSE(user.isEnabled());
-    QTest::keyClicks(server, "host");
     desk.control<QLineEdit>(IDC_PORT).setFocus();
     QTest::keyClick(&desk.control<QLineEdit>(IDC_PORT), Qt::Key_Tab);
     EXPECT_EQ(desk.wizard().focusWidget()->objectName().toInt(), IDC_LOGON_TRUSTED);
+    QTest::keyClicks(server, "host");
     EXPECT_TRUE(user.isEnabled());
     desk.press(IDC_LOGON_TRUSTED);
     QTest::keyClick(server, Qt::Key_Backspace);
@@ -239,7 +240,6 @@ TEST(BrokerRoad, CreatesTheTypesAndAsksBeforeItReplacesOne)
     EXPECT_EQ(desk.wizard().message->beginEnum(), 0);
 }
 
-TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
 // The clicks go through the window, which a modal dialog may block.
 TEST(OverwriteDialog, LeavesItsHelpUsable)
 {
@@ -271,6 +271,7 @@ TEST(OverwriteDialog, LeavesItsHelpUsable)
     EXPECT_EQ(desk.page(), IDD_CREATE_RESULT);
 }
 
+TEST(BrokerRoad, NamesTheOtherSourceOfAChangedType)
 {
     BrokerDesk desk;
     desk.logOn("local", "1", nullptr, "");

@@ -48,6 +48,7 @@ int OverWriteDlg::DoModal()
     auto* question =
         new MessageTexts(toUi(text), toUi(details)); // breaks a long name, and scrolls a text that is still too long
     question->setObjectName(QString::number(IDC_OVERWRITE_TEXT));
+    question->setProperty("text", toUi(text)); // as that of a label, for scripts that read it
     static_cast<QGridLayout*>(layout())->addWidget(question, 0, 0, 1, -1);
     setAccessibleDescription(question->wholeText());
     const QSize room = screen()->availableSize();
