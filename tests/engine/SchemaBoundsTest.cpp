@@ -46,7 +46,7 @@ const Bound kBounds[] = {
                            "</sequence></group>";
                 });
      },
-     "", "more than 20000000 particles of groups, which is the limit."},
+     "", "more than 20000000 steps through groups, substitution groups and derived types, which is the limit."},
     {"GroupsInsideEachOther",
      [] {
          return ROOT("<group ref='t:g0'/>") +
@@ -81,6 +81,25 @@ const Bound kBounds[] = {
                 });
      },
      "r(value:String)"},
+    {"DerivationsAndHeadsThatAreBlockedFarAway",
+     [] {
+         const auto derived = [](const CString& name, const char* way, const CString& base) {
+             return "<complexType name='" + name + "'><complexContent><" + way + " base='t:" + base +
+                    "'/></complexContent></complexType>";
+         };
+         return ROOT("<sequence><element ref='t:h'/></sequence>") +
+                chained(200,
+                        [&](const CString& own, const CString& next) {
+                            const bool isLast = next == "0";
+                            return "<element name='e" + own +
+                                   "' substitutionGroup='t:" + (isLast ? "h' type='t:T0" : "e" + next) + "'/>" +
+                                   derived("T" + own, isLast ? "extension" : "restriction", isLast ? "B" : "T" + next);
+                        }) +
+                "<element name='h' type='t:B' block='extension'/><element name='i' type='t:C' "
+                "substitutionGroup='t:h'/><complexType name='B'/>" +
+                derived("C", "restriction", "D") + derived("D", "restriction", "E") + derived("E", "restriction", "D");
+     },
+     "r(h:String i:String)"},
     {"UnionThatRepeatsAMember",
      [] {
          return ROOT("<attribute name='a' type='t:U'/>") "<simpleType name='U'><union memberTypes='" +

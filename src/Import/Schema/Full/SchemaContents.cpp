@@ -1,6 +1,7 @@
 #include "Import/Schema/Full/SchemaContents.h"
 
 #include <algorithm>
+#include <bit>
 
 // A type is worked out after its base, whose fields are copied and then extended. Its particles are walked in the order
 // of the document, with groups replaced by their contents, and each element becomes a field at its first occurrence.
@@ -13,8 +14,7 @@ namespace {
 
 // Up to this number, fields are searched linearly.
 constexpr std::size_t kFewFields = 16;
-constexpr std::size_t kMaxSteps = 20'000'000; // visited particles; nested groups can multiply them
-constexpr int kMaxHeads = 100;                // above an element without a type, or base types; real schemas have a few
+constexpr std::size_t kMaxSteps = 20'000'000; // see spendStep()
 
 // Returns whether an attribute of the XML namespace needs no declaration (https://www.w3.org/TR/xml/, /xmlbase/,
 // /xml-id/).
@@ -272,20 +272,26 @@ void SchemaContents::addOccurrence(SchemaName name, Index declaration, bool repe
 }
 
 // Returns the declaration that gives a declaration its type: itself, or the nearest head of its substitution groups
-// that has one (XML Schema Part 1, 3.3.2). The search is limited, because heads may form a chain or a cycle.
-SchemaContents::Index SchemaContents::typedBy(Index declaration) const
+// that has one (XML Schema Part 1, 3.3.2); 0 if none has. All elements of a chain of heads are cached, so that a long
+// one is walked once. They are cached as without a type while they are walked, which ends a cycle.
+SchemaContents::Index SchemaContents::typedBy(Index declaration)
 {
-    const auto hasType = [this](Index at) {
-        return tree[at].reference.local != 0 || tree.childOf(at, SchemaTag::complexType, SchemaTag::simpleType) != 0;
-    };
-    for (int steps = 0; steps < kMaxHeads && !hasType(declaration); ++steps) {
-        const bool hasHead = tree[declaration].tag == SchemaTag::element && tree.firstListed(declaration).local != 0;
-        const Index head = hasHead ? set.find(SchemaSet::element, tree.firstListed(declaration), declaration) : 0;
-        if (head == 0)
+    std::vector<Index> chain;
+    Index at = declaration;
+    while (at != 0 && tree[at].reference.local == 0 &&
+           tree.childOf(at, SchemaTag::complexType, SchemaTag::simpleType) == 0) {
+        const auto [known, isNew] = typedHeads.try_emplace(at, 0);
+        if (!isNew) {
+            at = known->second;
             break;
-        declaration = head;
+        }
+        chain.push_back(at);
+        const bool hasHead = tree[at].tag == SchemaTag::element && tree.firstListed(at).local != 0;
+        at = hasHead ? set.reach(SchemaSet::element, tree.firstListed(at), at) : 0;
     }
-    return declaration;
+    for (const Index untyped : chain)
+        typedHeads[untyped] = at;
+    return at;
 }
 
 // Returns the type that an element or a derivation names; 0 if it names none, or a built-in or unknown one.
@@ -296,7 +302,7 @@ SchemaContents::Index SchemaContents::typeNamedBy(Index at) const
 }
 
 // Returns the type of an element; 0 if it is built-in or unknown.
-SchemaContents::Index SchemaContents::typeOf(Index declaration) const
+SchemaContents::Index SchemaContents::typeOf(Index declaration)
 {
     declaration = typedBy(declaration);
     return tree.referenceOf(declaration).local == 0
@@ -305,15 +311,19 @@ SchemaContents::Index SchemaContents::typeOf(Index declaration) const
 }
 
 // Returns whether the way in which the type of a member is derived from that of its head is blocked by the head, its
-// type, or a type in between (XML Schema Part 1, 3.3.6).
-bool SchemaContents::isBlocked(Index head, Index member) const
+// type, or a type in between (XML Schema Part 1, 3.3.6). Types that are derived from each other are left at a type that
+// was passed before (Brent's algorithm).
+bool SchemaContents::isBlocked(Index head, Index member)
 {
     if (!tree.blocksDerivation)
         return false;
     const Index top = typeOf(head);
     unsigned blocked = tree[head].flags | tree[top].flags, ways = 0;
-    Index type = typeOf(member);
-    for (int steps = 0; type != top && type != 0 && steps < kMaxHeads; ++steps) {
+    Index type = typeOf(member), passed = 0;
+    for (unsigned count = 1; type != top && type != 0 && type != passed; ++count) {
+        spendStep();
+        if (std::has_single_bit(count))
+            passed = type;
         ways |= tree.blockOf(type);
         const bool isComplex = tree[type].tag == SchemaTag::complexType;
         type = typeNamedBy(isComplex ? tree.derivationOf(type) : tree.childOf(type, SchemaTag::restriction));
@@ -323,7 +333,7 @@ bool SchemaContents::isBlocked(Index head, Index member) const
 }
 
 // Returns whether two declarations of one name have the same type, as far as that is known without reading the type.
-bool SchemaContents::areEquivalent(Index one, Index other) const
+bool SchemaContents::areEquivalent(Index one, Index other)
 {
     if (one == 0 || other == 0)
         return true;
@@ -421,5 +431,5 @@ void SchemaContents::addAttribute(SchemaName name, Index declaration, bool isPro
 void SchemaContents::spendStep()
 {
     if (++steps > kMaxSteps)
-        set.refuse(std::to_string(kMaxSteps) + " particles of groups");
+        set.refuse(std::to_string(kMaxSteps) + " steps through groups, substitution groups and derived types");
 }

@@ -33,6 +33,10 @@ public:
     /// until the next call. Throws SourceRefusal beyond a million fields of all types.
     std::span<const SchemaField> of(Index type);
 
+    /// Returns the declaration that gives a declaration its type: itself, or a head of its substitution groups. Returns
+    /// 0 if it has no type.
+    Index typedBy(Index declaration);
+
     /// Counts a step of work that may be quadratic in the schema, or grow exponentially. Throws SourceRefusal beyond
     /// 20,000,000 steps.
     void spendStep();
@@ -84,16 +88,16 @@ private:
     void walkAttributes(Index holder, Index type);
     void visitAttribute(Index attribute);
     void addAttribute(SchemaName name, Index declaration, bool isProhibited, std::uint32_t documentation);
-    Index typedBy(Index declaration) const;
     Index typeNamedBy(Index at) const;
-    Index typeOf(Index declaration) const;
-    bool isBlocked(Index head, Index member) const;
-    bool areEquivalent(Index one, Index other) const;
+    Index typeOf(Index declaration);
+    bool isBlocked(Index head, Index member);
+    bool areEquivalent(Index one, Index other);
     Content keep();
 
     SchemaSet& set;
     const SchemaTree& tree;
-    NodeTable<Content> contents; // includes types in progress, which count as empty
+    NodeTable<Content> contents;                 // includes types in progress, which count as empty
+    std::unordered_map<Index, Index> typedHeads; // elements without a type, by their typed head; 0 if there is none
     // The fields of all types so far. Fields are never removed, but move when the list grows.
     std::vector<SchemaField, LargePages<SchemaField>> kept;
 

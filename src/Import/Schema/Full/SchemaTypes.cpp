@@ -251,35 +251,14 @@ void SchemaTypes::readFields(Pending record)
     types.setFields(record.record, fields);
 }
 
-// Returns the type of an element or attribute; text if it has none. An element without a type has that of its
-// substitution group's head (XML Schema Part 1, 3.3.2), which may have a head itself, and so on. All elements of such a
-// chain are cached, so a long one is walked once.
+// Returns the type of an element or attribute: the one it names, else the one inside it, else that of its substitution
+// group's head; text if it has none.
 SchemaTypes::Declared SchemaTypes::declared(Index declaration)
 {
-    std::vector<Index> chain;
-    Declared type;
-    for (Index at = declaration; at != 0 && !resolve(at, type);) {
-        const auto [known, isNew] = fromHeads.try_emplace(at);
-        if (!isNew) {
-            type = known->second;
-            break;
-        }
-        chain.push_back(at);
-        const bool hasHead = tree[at].tag == SchemaTag::element && tree.firstListed(at).local != 0;
-        at = hasHead ? set.reach(SchemaSet::element, tree.firstListed(at), at) : 0;
-    }
-    for (const Index at : chain)
-        fromHeads[at] = type;
-    return type;
-}
-
-// Sets `out` to the type of a declaration: the one it names, else the one inside it. Returns false if it has none.
-bool SchemaTypes::resolve(Index declaration, Declared& out)
-{
+    declaration = contents.typedBy(declaration);
+    Declared out;
     const bool isNamed = tree[declaration].reference.local != 0;
     Index type = isNamed ? 0 : tree.childOf(declaration, SchemaTag::complexType, SchemaTag::simpleType);
-    if (!isNamed && type == 0)
-        return false;
     if (isNamed) {
         const SchemaName name = tree.referenceOf(declaration);
         if (const auto builtIn = set.builtInKind(name)) {
@@ -288,22 +267,22 @@ bool SchemaTypes::resolve(Index declaration, Declared& out)
             else if (isBuiltInList(tree.text(name.local)))
                 set.note(SourceReport::listType, declaration);
             out.value = {true, *builtIn};
-            return true;
+            return out;
         }
         type = set.reach(SchemaSet::type, name, declaration);
         if (tree[declaration].tag == SchemaTag::attribute && tree[type].tag == SchemaTag::complexType)
             type = 0; // a value has no fields
-        if (type == 0) {
+        if (type == 0)
             set.note(SourceReport::unresolvedReference, declaration);
-            return true;
-        }
     }
+    if (type == 0)
+        return out;
     out.documentation = tree[type].documentation;
     if (tree[type].tag == SchemaTag::complexType)
         out.complexType = type;
     else
         out.value = simple.of(type);
-    return true;
+    return out;
 }
 
 SourceTypes::Type SchemaTypes::typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,

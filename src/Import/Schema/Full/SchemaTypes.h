@@ -80,7 +80,6 @@ private:
     const Derived& derivedFrom(Index type);
     void collectDerived();
     Declared declared(Index declaration);
-    bool resolve(Index declaration, Declared& out);
     SourceTypes::Type typeOf(const Declared& declared, Index declaration, NameTable::Id fieldName,
                              SourceTypes::Index home);
     SourceTypes::Type typeOf(const Value& value, Index declaration, NameTable::Id fieldName);
@@ -101,9 +100,8 @@ private:
     std::unordered_set<Index> reported;   // derived types
     NodeTable<SourceTypes::Type> records; // by complex type; text for one that holds nothing
     std::vector<Pending> pending;
-    std::vector<Index> candidates;                 // the component of each
-    NumberTable enumerations;                      // by first constant and name
-    std::unordered_map<Index, Declared> fromHeads; // elements that have the type of their substitution group's head
+    std::vector<Index> candidates; // the component of each
+    NumberTable enumerations;      // by first constant and name
     // Copies of names and documentation in `types`, by number; empty if not yet copied.
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
