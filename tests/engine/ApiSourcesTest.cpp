@@ -14,6 +14,15 @@ struct Rule
     const char* root = "";
 };
 
+// Returns a schema whose array contains objects, behind references to references.
+CString manyReferences()
+{
+    CString schema = R"({"title":"T","properties":{"a":{"contains":{"$ref":"#/$defs/0"}}},"$defs":{)";
+    for (int i = 0; i < 200; ++i)
+        schema += "\"" + std::to_string(i) + R"(":{"$ref":"#/$defs/)" + std::to_string(i + 1) + "\"},";
+    return schema + R"("200":{"title":"O","properties":{"x":{}}}}})";
+}
+
 const Rule kSchemas[] = {
     {"MisspeltStatements",
      R"({"title":"T","type":"object","properties":{"a":{"type":"strng"},"b":{"$ref":5},"c":{"type":["string",7]},"d":{"properties":["x"]},"e":7,
@@ -70,6 +79,7 @@ const Rule kSchemas[] = {
      R"({"title":"T","properties":{"a":{"items":{"type":"number"},"oneOf":[{"type":"array"},{"type":"string"}]},
         "b":{"items":{"type":"number"},"type":"array","oneOf":[{"type":"array"},{"type":"string"}]},"c":{"items":{},"allOf":[{"type":"number"}]}}})",
      "t_b[Number] T(a:String b:t_b c:Number)", "1 loss: 1 value of several kinds"},
+    {"ReferencesToReferences", manyReferences(), "200(x:String) t_a[200] T(a:t_a)"},
 };
 
 // Returns an API whose operation has callbacks nested to this depth, each with a message "oN" and a field.

@@ -77,7 +77,7 @@ public:
     void readDropped();
 
     /// Returns the target of a schema that is only a reference, perhaps with remarks; else the schema itself. Follows
-    /// at most 100 references.
+    /// references to references.
     Index baseOf(Index schema);
 
 private:
@@ -152,6 +152,8 @@ private:
     JsonContent contentOfType(JsonWord type, Frame& frame, Own& own);
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
+    bool isPlainReference(Index schema) const;
+    bool restrictsValues(Index schema) const;
     void finish();
     static bool isEmpty(const Frame& frame)
     {
@@ -187,8 +189,9 @@ private:
     const SourceTypes& types;
     SourceReport& report;
     std::unordered_map<Index, std::optional<JsonContent>> contents; // nothing for schemas in progress
-    std::vector<JsonMember> members;      // of all records and enumerations, one content after the other
-    std::unordered_map<Index, int> ranks; // nesting of made schemas
+    std::vector<JsonMember> members;        // of all records and enumerations, one content after the other
+    std::unordered_map<Index, Index> bases; // see baseOf(), by plain reference
+    std::unordered_map<Index, int> ranks;   // nesting of made schemas
     std::map<std::pair<How, std::vector<Index>>, Index> merges; // made schemas by their sorted members
     std::unordered_set<Index> dropped;                          // leaves dropped in favour of an equivalent one
     std::vector<Frame> frames;

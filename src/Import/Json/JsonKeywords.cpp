@@ -12,8 +12,6 @@
 // "$ref". Unknown keywords are ignored, because JSON Schema allows them.
 namespace {
 
-constexpr int kLongestChain = 100; // of references; guards against cycles
-
 // The common properties of keywords. A value of a wrong kind is a loss, because it changes the types.
 struct Keyword
 {
@@ -366,27 +364,46 @@ JsonNode::Index JsonContents::referenced(Index child)
     return 0;
 }
 
-// Large objects are not searched, because a schema with many keywords is no plain reference.
+// All schemas of a chain of references are cached, so that a long one is walked once. Each is its own base while the
+// chain is walked, which ends a cycle.
 JsonNode::Index JsonContents::baseOf(Index schema)
 {
-    for (int i = 0; i < kLongestChain; ++i) {
-        schema = tree.target(schema);
-        const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
-        if (reference == 0)
+    std::vector<Index> chain;
+    schema = tree.target(schema);
+    while (isPlainReference(schema)) {
+        const auto [base, isNew] = bases.try_emplace(schema, schema);
+        if (!isNew) {
+            schema = base->second;
             break;
-        bool isPlain = !tree[schema].isLarge;
-        if (!documents.ignoresSiblings(schema))
-            for (Index at = isPlain ? tree[schema].firstChild : 0; at != 0; at = tree[at].next)
-                isPlain = isPlain &&
-                          isOneOf(tree.keyOf(at),
-                                  {JsonWord::none, JsonWord::ref, JsonWord::title, JsonWord::description,
-                                   JsonWord::example, JsonWord::examples, JsonWord::defaultWord, JsonWord::nullable});
-        const Index target = isPlain ? referenced(reference) : 0;
+        }
+        chain.push_back(schema);
+        const Index target = tree.target(referenced(tree.find(schema, JsonWord::ref)));
         if (target == 0)
             break;
         schema = target;
     }
+    for (const Index at : chain)
+        bases[at] = schema;
     return schema;
+}
+
+// Returns whether a schema is only a reference, perhaps with remarks. Large objects are not searched, because a schema
+// with many keywords is none.
+bool JsonContents::isPlainReference(Index schema) const
+{
+    return tree.find(schema, JsonWord::ref, JsonNode::string) != 0 && !tree[schema].isLarge &&
+           (documents.ignoresSiblings(schema) || !restrictsValues(schema));
+}
+
+// Returns whether a schema has keywords other than a reference and remarks.
+bool JsonContents::restrictsValues(Index schema) const
+{
+    for (const Index at : tree.childrenOf(schema))
+        if (!isOneOf(tree.keyOf(at),
+                     {JsonWord::none, JsonWord::ref, JsonWord::title, JsonWord::description, JsonWord::example,
+                      JsonWord::examples, JsonWord::defaultWord, JsonWord::nullable}))
+            return true;
+    return false;
 }
 
 // Returns the type and the format of a schema that is a leaf; nothing for other schemas. Keywords that are only counted

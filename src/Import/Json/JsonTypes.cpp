@@ -219,6 +219,8 @@ std::string_view JsonTypes::describe(Index schema)
         const Index reference = tree.find(schema, JsonWord::ref, JsonNode::string);
         schema = reference == 0 ? 0 : documents.resolve(reference);
     }
+    if (schema != 0)
+        report.count(SourceReport::documentationCut);
     return {};
 }
 
