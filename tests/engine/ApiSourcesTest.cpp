@@ -80,6 +80,12 @@ const Rule kSchemas[] = {
         "b":{"items":{"type":"number"},"type":"array","oneOf":[{"type":"array"},{"type":"string"}]},"c":{"items":{},"allOf":[{"type":"number"}]}}})",
      "t_b[Number] T(a:String b:t_b c:Number)", "1 loss: 1 value of several kinds"},
     {"ReferencesToReferences", manyReferences(), "200(x:String) t_a[200] T(a:t_a)"},
+    {"FurtherPropertiesOfAnyValue",
+     R"({"title":"T","properties":{"a":{"properties":{"x":{}},"additionalProperties":{}},"b":{"type":"object","unevaluatedProperties":{"title":"t"},
+        "allOf":[{"properties":{"x":{}}}]},"c":{"oneOf":[{"properties":{"x":{}}},{"additionalProperties":{}}]},"d":{"properties":{"x":{}},
+        "patternProperties":{"^y":true,"^z":false}},"e":{"properties":{"x":{}},"patternProperties":{"^y":{},"^z":{"type":"string"}}}}})",
+     "e(x:String) d(x:String) c(x:String) b(x:String) a(x:String) T(a:a b:b c:c d:d e:e)",
+     "1 loss: 1 further properties left out"},
 };
 
 // Returns an API whose operation has callbacks nested to this depth, each with a message "oN" and a field.

@@ -195,7 +195,7 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
     if (kind == JsonContent::record && added.kind == JsonContent::record)
         return addMembers(frame, added, how);
     if (kind == JsonContent::record && added.kind == JsonContent::map)
-        return documents.note(SourceReport::furtherProperties, part);
+        return noteFurtherProperties(frame, added, part);
     // Conditions exclude each other, as "then" and "else" do.
     if (how == maybe && frame.content.isConditional)
         return joinEither(frame, added, part);
@@ -216,7 +216,10 @@ void JsonContents::joinBoth(Frame& frame, const JsonContent& added, How how, Ind
         return;
     if (kind == JsonContent::enumeration && added.kind == kind)
         return joinEnumerations(frame, added, part);
-    documents.note(kind == JsonContent::map ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
+    if (kind == JsonContent::map && added.kind == JsonContent::record)
+        noteFurtherProperties(frame, frame.content, part);
+    else
+        documents.note(SourceReport::kindsDiffer, part);
     if (kind != JsonContent::record && !(kind == JsonContent::map && added.kind != JsonContent::record))
         take(frame, added);
 }
@@ -277,8 +280,10 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
         return;
     }
     if (isObject(kind) || isObject(added.kind)) {
-        const bool isBoth = isObject(kind) && isObject(added.kind);
-        documents.note(isBoth ? SourceReport::furtherProperties : SourceReport::kindsDiffer, part);
+        if (isObject(kind) && isObject(added.kind))
+            noteFurtherProperties(frame, kind == JsonContent::map ? frame.content : added, part);
+        else
+            documents.note(SourceReport::kindsDiffer, part);
         if (!isObject(kind) || (kind == JsonContent::map && added.kind == JsonContent::record))
             take(frame, added);
         return;
@@ -293,4 +298,12 @@ void JsonContents::joinEither(Frame& frame, const JsonContent& added, Index part
     if (kind == JsonContent::number || added.kind == JsonContent::number)
         documents.note(SourceReport::kindsDiffer, part);
     take(frame, {.kind = JsonContent::text});
+}
+
+// Reports a map whose properties a record doesn't have.
+void JsonContents::noteFurtherProperties(const Frame& frame, const JsonContent& map, Index part)
+{
+    const bool allowsAny = map.items == 0 || isUnrestricted(map.items);
+    if (!allowsAny || !frame.items.empty())
+        documents.note(SourceReport::furtherProperties, part);
 }

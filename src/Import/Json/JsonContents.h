@@ -153,7 +153,12 @@ private:
     JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
     bool isPlainReference(Index schema) const;
+    bool isUnrestricted(Index schema) const;
     bool restrictsValues(Index schema) const;
+    bool isBoolean(Index schema, std::string_view value) const
+    {
+        return tree.is(schema, JsonNode::boolean) && tree.text(schema) == value;
+    }
     void finish();
     static bool isEmpty(const Frame& frame)
     {
@@ -166,6 +171,7 @@ private:
     void joinItems(Frame& frame, const JsonContent& added, How how);
     void joinEnumerations(Frame& frame, const JsonContent& added, Index part);
     void joinEither(Frame& frame, const JsonContent& added, Index part);
+    void noteFurtherProperties(const Frame& frame, const JsonContent& map, Index part);
     void take(Frame& frame, const JsonContent& added);
     void mergeItems(Frame& frame);
     // Collect the members of a schema, see JsonMembers.cpp.

@@ -149,6 +149,7 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::patternProperties:
         appendTargets(node, own.mapValues);
+        std::erase_if(own.mapValues, [this](Index value) { return isBoolean(value, "false"); });
         break;
     case JsonWord::discriminator:
         frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
@@ -226,7 +227,8 @@ std::vector<JsonWord> JsonContents::typesOf(Index type)
 void JsonContents::readOwn(Frame& frame, Own& own)
 {
     if (own.hasProperties && !own.mapValues.empty()) {
-        documents.note(SourceReport::furtherProperties, frame.node);
+        if (!std::ranges::all_of(own.mapValues, [this](Index value) { return isUnrestricted(value); }))
+            documents.note(SourceReport::furtherProperties, frame.node);
         own.mapValues.clear();
     }
     std::vector<JsonWord> wanted = typesOf(own.type);
@@ -393,6 +395,15 @@ bool JsonContents::isPlainReference(Index schema) const
 {
     return tree.find(schema, JsonWord::ref, JsonNode::string) != 0 && !tree[schema].isLarge &&
            (documents.ignoresSiblings(schema) || !restrictsValues(schema));
+}
+
+// A schema without keywords allows any value, as `true` does. So does an object that says nothing of further
+// properties, so properties of any value are no loss.
+bool JsonContents::isUnrestricted(Index schema) const
+{
+    schema = tree.target(schema);
+    return isBoolean(schema, "true") ||
+           (tree.is(schema, JsonNode::object) && tree.find(schema, JsonWord::ref) == 0 && !restrictsValues(schema));
 }
 
 // Returns whether a schema has keywords other than a reference and remarks.

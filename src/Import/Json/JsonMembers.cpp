@@ -54,7 +54,7 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     for (const Index at : tree.childrenOf(properties)) {
         step();
         const Index schema = tree.target(at);
-        if (tree.is(schema, JsonNode::boolean) && tree.text(schema) == "false")
+        if (isBoolean(schema, "false"))
             documents.note(SourceReport::elementNotAllowed, at, tree.key(at));
         else
             addField(frame, {tree[at].key, schema}, both);
