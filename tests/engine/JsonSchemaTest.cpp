@@ -80,6 +80,13 @@ const Rule kRules[] = {
     {"PointersFromTheRootInsideASchemaWithAnIdentifier",
      R"({"title":"r","properties":{"b":{"$ref":"b.json"}},"$defs":{"B":{"$id":"b.json","properties":{"x":{"$ref":"#/$defs/C"}}},"C":{"type":"number"}}})",
      "B(x:Number) r(b:B)"},
+    {"FilesBesideAnEmbeddedIdentifier",
+     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/A"},"b":{"$ref":"#/$defs/B"}},"$defs":{"A":{"$id":"d%20e/../d%20e/a.json","properties":{"x":{
+        "$ref":"c.json"},"z":{"$ref":"f.json"}}},"B":{"$id":"http://x/b.json","properties":{"y":{"$ref":"c.json"}}}}})",
+     "B(y:Time) A(x:Number z:Time) r(a:A b:B)",
+     {{"d e/c.json", R"({"type":"number"})"},
+      {"c.json", R"({"type":"string","format":"date"})"},
+      {"f.json", R"({"$ref":"c.json"})"}}},
     {"AListWithoutANameOfItsOwnIsCalledLikeItsFields",
      R"("a":{"items":{"enum":["x"]}},"b":{"items":{"$ref":"#/properties/a/items"}})",
      "b{x} a{x} t_a[a] t_b[b] r(a:t_a b:t_b)"},

@@ -231,16 +231,15 @@ JsonDocuments::Resolved JsonDocuments::lookUp(Index holder, std::string_view ref
 // because documents given together may refer to each other by URLs.
 JsonDocuments::Resolved JsonDocuments::findDocument(Index holder, Index resource, std::string_view uri)
 {
-    const auto known = resources.find(resolveUri(uris.at(resource), uri));
-    if (known != resources.end())
+    const CString resolved = resolveUri(uris.at(resource), uri);
+    if (const auto known = resources.find(resolved); known != resources.end())
         return {known->second};
-    // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
-    const CString path = std::filesystem::path(localPath(uri)).lexically_normal().string();
-    // Copied, because reading a document adds to the list.
-    const CString folder = documents[tree[holder].place.file].folder;
-    const auto file = path.empty() ? std::nullopt : finder.find(folder, path);
+    if (localPath(uri).empty())
+        return {0, SourceReport::moduleRemote};
+    CString path;
+    const auto file = findFile(documents[tree[holder].place.file].folder, resolved, uri, path);
     if (!file)
-        return {0, path.empty() ? SourceReport::moduleRemote : SourceReport::moduleMissing};
+        return {0, SourceReport::moduleMissing};
     // Entered before it is read, so that a document that fails isn't read again.
     const auto [entry, isNew] = parsed.try_emplace(file->id);
     if (isNew) {
@@ -249,6 +248,25 @@ JsonDocuments::Resolved JsonDocuments::findDocument(Index holder, Index resource
         report.pause(wasPaused);
     }
     return {entry->second};
+}
+
+// Returns the file that a reference in a document of `folder` leads to, and sets its path from there. Identifiers of
+// files are often URLs, or paths on a server, so a file that isn't at the resolved URI is searched beside the document.
+std::optional<FoundFile> JsonDocuments::findFile(const CString& folder, const CString& resolved, std::string_view uri,
+                                                 CString& path)
+{
+    // A URI loses its dot segments before it is a path, so "sub/../b.json" needs no folder "sub".
+    const auto normalized = [](std::string_view reference) {
+        return std::filesystem::path(localPath(reference)).lexically_normal().string();
+    };
+    const bool isLocal = schemeLength(resolved) == 0 && !resolved.starts_with("//");
+    path = isLocal ? normalized(std::filesystem::path(resolved).lexically_relative(folder).string()) : "";
+    auto file = finder.find(folder, path);
+    if (!file) {
+        path = normalized(uri);
+        file = finder.find(folder, path);
+    }
+    return file;
 }
 
 // Reads a document that `holder` refers to. Returns 0 and reports a loss if it can't be read.

@@ -93,6 +93,8 @@ private:
     Index resourceOf(Index node) const;
     Resolved lookUp(Index holder, std::string_view reference);
     Resolved findDocument(Index holder, Index resource, std::string_view uri);
+    std::optional<FoundFile> findFile(const CString& folder, const CString& resolved, std::string_view uri,
+                                      CString& path);
     Index readNamed(const FoundFile& file, const CString& path, Index holder);
     Index originOf(Index node) const;
     Index followFragment(Index resource, std::string_view fragment) const;
