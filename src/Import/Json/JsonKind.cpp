@@ -120,14 +120,36 @@ std::string_view wordForYaml(std::string_view text)
     return marks.word();
 }
 
+// Returns a flow mapping as wordForYaml() reads one: the members on lines of their own, those of inner mappings
+// indented, deeper ones left out. Quotes are not taken into account, so a bracket in a text can hide the members after
+// it.
+CString linesOf(std::string_view flow)
+{
+    CString lines;
+    std::size_t depth = 0;
+    for (const char c : flow) {
+        const bool isBegin = c == '{' || c == '[', isEnd = c == '}' || c == ']';
+        depth += isBegin ? 1 : 0;
+        depth -= isEnd && depth > 0 ? 1 : 0;
+        if (depth > 2)
+            continue;
+        if (isBegin || (c == ',' && depth > 0))
+            lines += depth == 2 ? "\n " : "\n";
+        else if (!isEnd && !(kWhitespace.find(c) != kWhitespace.npos && lines.ends_with('\n')))
+            lines += c == '\n' ? ' ' : c;
+    }
+    return lines;
+}
+
 } // namespace
 
 std::string_view importerOfJson(std::string_view start)
 {
     const std::string_view text = trimmed(start);
-    const bool isJson = text.starts_with('{') || text.starts_with('[');
-    const std::string_view word = isJson || beginsWithComment(text) ? wordForJson(start) : wordForYaml(start);
-    return isJson && word.empty() ? "json" : word;
+    const bool isBraced = text.starts_with('{') || text.starts_with('[');
+    const std::string_view word =
+        beginsLikeJson(text) ? wordForJson(start) : wordForYaml(isBraced ? linesOf(text) : start);
+    return isBraced && word.empty() ? "json" : word;
 }
 
 bool isAvroType(std::string_view type)

@@ -385,7 +385,6 @@ JsonNode::Index readJsonTree(std::string_view fileName, std::string_view text, J
     JsonBuilder builder(tree, types, report, document);
     const bool isNamedYaml = endsWithAscii(fileName, ".yaml") || endsWithAscii(fileName, ".yml");
     const std::string_view start = trimmed(text, " \t\r\n");
-    const bool isJson = start.empty() || start.front() == '{' || start.front() == '[' || beginsWithComment(start) ||
-                        endsWithAscii(fileName, ".json");
+    const bool isJson = start.empty() || beginsLikeJson(start) || endsWithAscii(fileName, ".json");
     return isNamedYaml || !isJson ? YamlReader(text, builder, tree).read() : readJson(text, builder, withComments);
 }

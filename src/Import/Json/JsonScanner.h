@@ -3,6 +3,7 @@
 #include "Base/Text.h"
 #include "Import/SourceReport.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -23,6 +24,15 @@ SourceRefusal refusalOf(const CString& fileName, const JsonFault& fault);
 inline bool beginsWithComment(std::string_view text)
 {
     return text.starts_with("/*") || text.starts_with("//");
+}
+
+/// Returns whether a text without white space before it begins like JSON: an array, or an object whose first key is in
+/// quotes. An object with a plain key is a flow mapping of YAML.
+inline bool beginsLikeJson(std::string_view text)
+{
+    const std::string_view first = trimmed(text.substr(std::min<std::size_t>(text.size(), 1)));
+    return text.starts_with('[') || beginsWithComment(text) ||
+           (text.starts_with('{') && (first.empty() || std::string_view("\"}/").find(first.front()) != first.npos));
 }
 
 /// Returns whether a character is a digit of a JSON number.
