@@ -35,6 +35,8 @@
 // work replaces the row of buttons by a row with its progress; only Cancel stays.
 namespace {
 
+constexpr qint64 kReaction = 500; // milliseconds that a user takes to notice the end of long work
+
 // These letters are the same on every page, so no page has a control with one of them. Users can go through all pages
 // with the same keys.
 constexpr const char* kBack = "< Bac&k";
@@ -194,8 +196,7 @@ void WizardSheet::cancel()
 // all entries.
 void WizardSheet::reject()
 {
-    constexpr qint64 reaction = 500; // milliseconds
-    if (work || (sinceWork.isValid() && !sinceWork.hasExpired(reaction)))
+    if (work || (sinceWork.isValid() && !sinceWork.hasExpired(kReaction)))
         return;
     QDialog::reject();
 }
@@ -210,14 +211,18 @@ void WizardSheet::runLong(const std::function<void()>& call, QProgressBar* pageB
     for (const auto signal : {&LongWork::becameVisible, &LongWork::progressed})
         connect(&longWork, signal, this, [&] { showProgress(longWork, pageBar, server); });
     const QPointer<QWidget> focus = focusWidget(); // while the work runs, only Cancel can have it
+    QElapsedTimer sinceBegin;
+    sinceBegin.start();
     const auto end = qScopeGuard([&] {
+        // A box at the begin of the work stays for long without a progress row.
+        if (sinceBegin.hasExpired(kReaction))
+            sinceWork.start();
         if (progressRow->isHidden())
             return;
         showProgress(longWork, pageBar, server);
         setNavigation(true);
         if (focus)
             focus->setFocus();
-        sinceWork.start();
     });
     // Cancel ends the work from here on.
     const QScopedValueRollback running(work, &longWork);

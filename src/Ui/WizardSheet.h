@@ -132,7 +132,7 @@ private:
     ProgressRow* progressRow;
     LongWork* work = nullptr;       // the current one; null if none
     RemainingTime remainingTime;    // of `work`
-    QElapsedTimer sinceWork;        // time since the last work that showed its progress
+    QElapsedTimer sinceWork;        // time since the last work that took long
     std::vector<WizardPage*> pages; // by sheet index, as the widgets of `stack`
     UINT startPage;
     bool started = false; // the first page is or was shown

@@ -147,6 +147,9 @@ TEST(LongWork, ShowsItsBoxesInTheWindowAndNothingWhenItIsQuick)
             theApp.Error(std::to_string(pause), IDS_ERROR_TITLE);
         });
     EXPECT_EQ(shown, "0150500");
+    desk.wizard().runLong([] { inWindowThread([] { QTest::qWait(600); }); }); // the user reads a box at the begin
+    pressEscape(desk);                                                        // too early to be meant for the wizard
+    EXPECT_TRUE(desk.wizard().isVisible());
     setMessageBoxHandler(recorder);
     EXPECT_THROW(desk.wizard().runLong([] { throw std::runtime_error("x"); }), std::runtime_error);
 }
