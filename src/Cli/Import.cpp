@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <stdexcept>
 
 // The steps of the command, in the order of runImport(). Sources are expanded and pipes copied before the importer is
@@ -39,20 +40,32 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
     return path;
 }
 
-// Returns the type with this short name, else with this full name, else null. The name may be in the encoding of the
-// source.
-Element* findType(MsgBase& message, const CString& asked)
+// Returns the type with this short name, else with this full name. Returns null, which has been reported, if there is
+// none, or if the types of several folders have the short name. The name may be in the encoding of the source.
+Element* findType(MsgBase& message, const CString& asked, Diagnostics& diagnostics)
 {
+    constexpr std::size_t shown = 5;
     const CString name = toXmlText(asked);
-    Element* byFullName = nullptr;
+    const auto fullNameOf = [](const Element& type) { return type.queryPath() + type.queryName(); };
+    Element* found = nullptr;
+    std::set<CString> fullNames;
     message.beginEnum();
     while (Element* type = message.enumNext()) {
-        if (type->queryName() == name)
-            return type;
-        if (!byFullName && type->queryPath() + type->queryName() == name)
-            byFullName = type;
+        const bool isShort = type->queryName() == name;
+        if ((isShort && fullNames.empty()) || (!found && fullNameOf(*type) == name))
+            found = type;
+        if (isShort && fullNames.size() < shown)
+            fullNames.insert(fullNameOf(*type));
     }
-    return byFullName;
+    if (!found)
+        diagnostics.error("there is no type called " + asked);
+    if (fullNames.size() <= 1)
+        return found;
+    CString words = "there are several types called " + asked;
+    for (const CString& fullName : fullNames)
+        words += (fullName == *fullNames.begin() ? ": " : ", ") + fullName;
+    diagnostics.error(words);
+    return nullptr;
 }
 
 // Warns if the root element isn't named after the main type, because not every type name is an XML name. Types keep
@@ -76,12 +89,11 @@ int writeResult(MsgBase& message, const Arguments& arguments, Diagnostics& diagn
         return arguments.failedStatus();
     if (!arguments.diff.document.empty())
         return diffTypes(message, arguments.diff, arguments.report, output, diagnostics);
-    Element* const type = arguments.type.empty() ? nullptr : findType(message, arguments.type);
-    if (type) {
+    if (!arguments.type.empty()) {
+        Element* const type = findType(message, arguments.type, diagnostics);
+        if (!type)
+            return kFailed;
         writeType(*type, arguments.pretty || output.isTerminal(), output);
-    } else if (!arguments.type.empty()) {
-        diagnostics.error("there is no type called " + arguments.type);
-        return kFailed;
     } else if (arguments.list) {
         if (arguments.json)
             writeJsonList(message, output);

@@ -271,6 +271,13 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import dtd --full r.dtd set/1.dtd --folder u=v --folder 'u=\\v' -q -o /dev/null; $import dtd --full r.dtd "
          "--folders namespace --folder u=v --folder u=w",
          {2, "", mistake("--folder: two folders for the namespace u")}},
+        {"for i in na nb; do echo \"<schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:$i'><element "
+         "name='r'><complexType><attribute name='$i'/></complexType></element></schema>\" >$i.xsd; $import xsd --full "
+         "na.xsd $i.xsd -q -b '' --type r | grep -o 'FIELD NAME=\"[a-z]*'; done; $import xsd --full na.xsd nb.xsd -b "
+         "'' "
+         R"(--type '\nb\r' | grep -o 'FIELD NAME="[a-z]*')",
+         {0, "FIELD NAME=\"na\nFIELD NAME=\"nb\n",
+          "na.xsd: error: there are several types called r: \\na\\r, \\nb\\r\n"}},
         {"$import dtd --full set/1.dtd r.dtd --folders main --merge-equal",
          {2, "", mistake("--merge-equal requires --folders namespace")}},
         {"$import dtd --full r.dtd set/1.dtd --merge-equal -l -b a -q | cut -f 1",
