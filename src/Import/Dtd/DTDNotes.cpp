@@ -4,6 +4,7 @@
 #include "Base/Utf8.h"
 
 #include <algorithm>
+#include <array>
 
 // The positions of the next '<', '%' and '>' are searched once and kept until reading has passed them. If one of them
 // were missing, a search for each construct would run to the end of the text each time: 400,000 references without a
@@ -20,6 +21,23 @@ bool isKeywordAt(std::string_view text, std::size_t at, std::string_view keyword
     const std::size_t behind = at + keyword.size();
     return (found == keyword || isSameAscii(found, keyword)) &&
            (behind >= text.size() || kDtdDelimiter.has(text[behind]));
+}
+
+// Returns whether an ELEMENT ends like a declaration of XML or SGML: with a group that has a first name, or with a
+// keyword. Anything else becomes text. The name and the parts of a group are not checked.
+bool isWellDeclared(std::string_view element)
+{
+    element = kDtdBlank.trim(element);
+    const std::size_t open = element.find('('), last = element.find_last_of(" \t\r\n");
+    if (open != kNowhere) {
+        const std::size_t first = kDtdBlank.out(element, open + 1);
+        if (first == kNowhere || std::string_view("),|&").find(element[first]) != kNowhere)
+            return false;
+    }
+    const bool endsGroup = open != kNowhere && std::string_view(")*+?").find(element.back()) != kNowhere;
+    return endsGroup || element.ends_with("--") || // a comment of SGML
+           std::ranges::any_of(std::array<std::string_view, 5>{"EMPTY", "ANY", "CDATA", "RCDATA", "PCDATA"},
+                               [&](std::string_view keyword) { return isKeywordAt(element, last + 1, keyword); });
 }
 
 // Returns "ENTITY name" or "ENTITY % name" for a declaration whose keyword begins at `at`.
@@ -138,6 +156,10 @@ std::size_t DTDNotes::readDeclaration(std::size_t at, bool hasLiterals)
     const bool isComplete = end != kNowhere && end < reference && declaration.find('<') == kNowhere;
     if (!isComplete || (hasLiterals && (declaration.find('"') != kNowhere || declaration.find('\'') != kNowhere)))
         return readLong(at, at + 2, false);
+    if (!hasLiterals && !isWellDeclared(declaration)) {
+        const std::size_t name = kDtdBlank.out(declaration, dtdNameAt(declaration).size());
+        note(SourceReport::malformedDeclaration, at, dtdNameAt(declaration.substr(std::min(name, declaration.size()))));
+    }
     if (isDetailed)
         countDetails(declaration);
     return end + 1;
