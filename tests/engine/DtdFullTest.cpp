@@ -203,7 +203,7 @@ const Rule kRules[] = {
      "2 losses\nx:1:1: declaration that makes no sense: r\nx:1:36: entity declared nowhere: no\n\n1 undeclared "
      "entity\n1 declaration not understood\n"},
     {"WithoutAnElementTheFileNamesTheFolder", "<!ATTLIST a b (c) #IMPLIED>", "b{c} a(a_b:b)",
-     "1 loss\nx:1:1: type without a declaration: a\n\n1 detail\n\n1 invented type\n1 optional part\n"},
+     "2 details\nx:1:1: part that may not occur: a\n\n1 part that may not occur\n1 optional part\n"},
     // Each file has its own encoding: a byte order mark, a declared one, UTF-8, else Windows-1252.
     {"FileByFileAnEncoding",
      LATIN1 "<!ENTITY % m SYSTEM 'm'>%m;<!ENTITY % n SYSTEM 'n'>%n;<!ENTITY % o SYSTEM 'o'>%o;"

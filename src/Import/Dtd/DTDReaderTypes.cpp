@@ -2,8 +2,9 @@
 #include "Import/Dtd/DTDReader.h"
 
 // Adds all records before the first field, because a field names the record of its element, which may be declared
-// later. An element that is only referred to becomes text and is reported. Declared elements come in the order of
-// declaration, which decides between equal candidates for the main type; the others follow.
+// later. An element that is only referred to becomes text and is reported. One that only has attributes can't be in a
+// document, so it is a detail. Declared elements come in the order of declaration, which decides between equal
+// candidates for the main type; the others follow.
 void DTDReader::finish(std::span<const Index> sources, std::span<const CString> roots)
 {
     const std::vector<bool> reached = findReached(roots);
@@ -14,7 +15,7 @@ void DTDReader::finish(std::span<const Index> sources, std::span<const CString> 
     for (const Element& element : elements)
         if (!element.isDeclared && element.isName) {
             if (reached[element.index])
-                report.add(element.isReferred ? SourceReport::unresolvedReference : SourceReport::inventedType,
+                report.add(element.isReferred ? SourceReport::unresolvedReference : SourceReport::elementNotAllowed,
                            element.place, element.name);
             order.push_back(element.index);
         }
