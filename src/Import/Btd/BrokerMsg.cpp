@@ -111,8 +111,9 @@ void BrokerMessage::readArray(const IXMLDOMNode& content, const Type& type)
 }
 
 // Reads the constants of an enumeration. The key of each includes the type's full name and all constants before it, so
-// the keys of an enumeration differ from each other and from those of other types. The key is only hashed, because the
-// texts of all keys would take memory quadratic in the length of the enumeration.
+// the keys of an enumeration differ from each other and from those of other types. Names may contain dots, so the parts
+// of a key are separated by a character that XML can't hold. The key is only hashed, because the texts of all keys
+// would take memory quadratic in the length of the enumeration.
 void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
 {
     RunningHash key(type.fullName());
@@ -120,7 +121,7 @@ void BrokerMessage::readConstants(const IXMLDOMNode& content, const Type& type)
     for (IXMLDOMNode constant = content.firstChild(); constant; constant = constant.nextSibling()) {
         readAttributes(constant, {{"NAME", &name}, {"DESCRIPTION", &description}});
         noteUnnamed(name, constant, "constant of ", type);
-        key.append(".").append(name);
+        key.append("\x01").append(name);
         Element* const element =
             keepsTwins ? model.addPart(type.element, model.queryNames().intern(name), Element::typeString)
                        : model.addElement(key, type.folder, name, Element::typeString, type.element).element;
