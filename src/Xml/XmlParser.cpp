@@ -276,6 +276,9 @@ xmlEntityPtr Parse::onEntity(void* context, const xmlChar* name)
 xmlEntityPtr Parse::onParameterEntity(void* context, const xmlChar* name)
 {
     Parse& self = of(context);
+    // libxml2 sets it after the first reference, and refuses the document if that one is to an undeclared entity. But a
+    // document with such a reference is well-formed (XML 1.0, production [69]), and so are all later references.
+    static_cast<xmlParserCtxtPtr>(context)->hasPErefs = 1;
     xmlEntityPtr entity = xmlSAX2GetParameterEntity(context, name);
     // A parameter entity can hold the values of an enumeration.
     if (entity && entity->content) {

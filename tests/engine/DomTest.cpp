@@ -52,6 +52,7 @@ const Case kLoads[] = {
      "<a x=\"1\" c=\"fix\" d=\"def\"/>"},
     {"NotesOfTheSubsetAreNoNodes", "<!DOCTYPE a [<!--c--><?p i?>]><!--d--><a/>", "<!--d--><a/>"},
     {"UnreadSubsetMayDeclare", "<!DOCTYPE a SYSTEM 'none.dtd'><a b='&u;'>1&u;2</a>", "<a b=\"\">12</a>"},
+    {"UndeclaredParameterEntityMayDeclare", "<!DOCTYPE a [%p; <!ENTITY e 'x'>]><a>&e;1&u;2</a>", "<a>x12</a>"},
     // Names.
     {"NamespaceDeclarationsAreNone", "<p:a xmlns:p='u' xmlns='v' p:b='1'/>", "<p:a p:b=\"1\"/>"},
     {"UndeclaredPrefix", "<p:a q:b='1'/>", "<p:a q:b=\"1\"/>"},
@@ -62,6 +63,8 @@ const Case kLoads[] = {
     // The first error with its place.
     {"TheCascadeIsLeftOut", "<a>\n\n  <b></c>\n<d e=1/></a>", "3:10 Opening and ending tag mismatch: b line 3 and c"},
     {"UndeclaredPrefixIsNotTheFault", "<p:a>\n<&></p:a>", "2:2 StartTag: invalid element name"},
+    {"UndeclaredParameterEntityOfAStandaloneDocument", "<?xml version='1.0' standalone='yes'?><!DOCTYPE a [%p;]><a/>",
+     "1:55 PEReference: %p; not found"},
     {"UnknownEntity", "<a>\n&e;</a>", "2:4 Entity 'e' not defined"},
     {"FaultInsideAnEntity", "<!DOCTYPE a [<!ENTITY e '<b>'>]>\n<a>\n\n&e;</a>",
      "4:4 Premature end of data in tag b line 1"},
