@@ -99,7 +99,7 @@ void SchemaOutline::startElement(XmlName name, XmlAttributes attributes, const X
     if (prefix < kPrefixes.size()) {
         level.place = enter(*declaration, attributes);
         places[prefix][*declaration].push_back(level.place);
-    } else if (open.size() == 1) {
+    } else if (open.size() == 1 && tag != SchemaTag::none) {
         noteLocation(name.local);
     }
     if (!statements.isIgnored()) {
@@ -244,8 +244,7 @@ CString SchemaOutline::nameAround() const
     return {};
 }
 
-// Keeps the location of a document. Accepts any prefix, because no other top-level statement of a schema has these
-// names.
+// Keeps the location of a document.
 void SchemaOutline::noteLocation(std::string_view statement)
 {
     if (statement != "include" && statement != "import" && statement != "redefine")
