@@ -57,6 +57,9 @@ inline constexpr CharSet kDtdBlank(" \t\r\n");
 /// there, so that a damaged name is reported whole.
 inline constexpr CharSet kDtdDelimiter(" \t\r\n()|,&*?+\"'<>%;#[]");
 
+/// Words of declarations with a '#'. "#CDATA" is none in XML or SGML, but the literal reading knows it.
+inline constexpr std::string_view kPcdata = "#PCDATA", kCdata = "#CDATA", kImplied = "#IMPLIED";
+
 /// Returns the name at the start of `text`, up to the first delimiter; empty if there is none.
 inline std::string_view dtdNameAt(std::string_view text)
 {

@@ -1,0 +1,61 @@
+#include "Import/Dtd/DTDMsg.h"
+#include "Resources/StringTable.h"
+
+#include <algorithm>
+
+// Reads ATTLIST statements.
+
+// Reads pairs of element and attribute name, and skips type and default by their usual length. The rest is read as the
+// next pair, so the words of other types and defaults are taken for names.
+void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
+{
+    const std::string_view statement = text->whole.substr(start, end - start);
+    std::string_view rest = kDtdBlank.trim(statement);
+    const auto takeWord = [&rest](std::string_view& word) {
+        const std::size_t blank = kDtdBlank.in(rest);
+        if (blank == kNowhere)
+            return false;
+        word = rest.substr(0, blank);
+        rest = kDtdBlank.trim(rest.substr(blank + 1));
+        return true;
+    };
+    const auto drop = [&rest](std::size_t count) { rest = kDtdBlank.trim(rest.substr(std::min(count, rest.size()))); };
+    // One remaining character is the '>' of the statement.
+    for (std::size_t left = statement.size(); left >= 2; left = rest.size()) {
+        reportAt(end - left);
+        std::string_view element, attribute;
+        if (!takeWord(element) || !takeWord(attribute)) {
+            const CString words = fillText(loadText(IDS_DTD_STATEMENT), statement);
+            const SourcePlace place = statementPlace(start);
+            report.add(SourceReport::statementUnreadable, place, statement);
+            showFault(words, report.faultAt(place, words, true));
+            return;
+        }
+        if (attribute == kCdata || attribute == kImplied || attribute == kPcdata)
+            continue;
+        DTDElement& field = addAttribute(element, attribute);
+        DTDElement& record = addPiece(element, nullptr);
+        record.addChild(&field, placeOf(attribute), memory);
+        field.setAttribute(record, placeOf(attribute));
+        if (left < statement.size()) { // a type or default has been taken for an element
+            note(SourceReport::inventedType, record, placeOf(element), element);
+            field.isNoted = true;
+        }
+        drop(kCdata.size());
+        drop(kImplied.size());
+    }
+}
+
+// Returns the entry of an attribute. Its two names may differ in encoding, so each is converted by itself.
+DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view attribute)
+{
+    joined.assign(element).append("_").append(attribute);
+    DTDElement* field = dtdElements.find(joined);
+    if (!field) {
+        if (!isXmlText(joined))
+            joined = toXmlText(element) + "_" + toXmlText(attribute);
+        field = &addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
+        field->isAttribute = true;
+    }
+    return *field;
+}
