@@ -193,6 +193,13 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     if (mainType.empty())
         mainType = toXmlText(name);
     DTDElement& element = addPiece(name, nullptr);
+    const bool isNew = std::exchange(text->lastElement, start) != start;
+    // The word may also be a name in another declaration.
+    const bool isStatement = text->whole.substr(start - kKeywordLength - 2, 2) == "<!";
+    if (isNew && isStatement && name.empty()) // a group of names, as in SGML
+        report.add(SourceReport::malformedDeclaration, text->places.at(nameStart), "ELEMENT without a name");
+    else if (isNew && isStatement && std::exchange(element.hasStatement, true))
+        report.add(SourceReport::declaredTwice, text->places.at(nameStart), name);
     element.isDeclared = true;
     const std::string_view content = kDtdBlank.trim(text->whole.substr(nameEnd, std::max(end - 1, nameEnd) - nameEnd));
     if (content.find(kPcdata) != kNowhere || content.find(kCdata) != kNowhere || content == "ANY")

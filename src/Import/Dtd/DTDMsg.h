@@ -65,7 +65,8 @@ public:
     std::size_t attributeAt = kNowhere;      ///< offset of the first attribute whose field it is
     const DTDElement* attributeOf = nullptr; ///< the record of that attribute
     std::size_t textAt = kNowhere;           ///< offset of its declaration if that allows text
-    bool isDeclared = false;                 ///< by an ELEMENT statement
+    bool isDeclared = false;                 ///< by a statement with the word ELEMENT
+    bool hasStatement = false;               ///< by one that begins with it
     bool isAttribute = false;                ///< the field of an attribute
     bool isNoted = false;                    ///< reported already
 
@@ -137,6 +138,8 @@ private:
         DTDRepetitions repetitions{whole};
         ProgressMeter meter{Work::reading, whole.size(), 1024}; // in bytes; reports after 1,024 statements and names
         TextPlaces places{whole};
+        // Offsets of the ELEMENT and the ATTLIST that were read last: statements that overlap read them again.
+        std::size_t lastElement = kNowhere, lastAttlist = kNowhere;
     };
 
     // Steps that return int return nonzero on success, and 0 if a bound is exceeded, which they have reported.
@@ -151,6 +154,7 @@ private:
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);
+    void noteLost(std::string_view attlist);
     std::size_t placeOf(std::string_view part) const
     {
         return static_cast<std::size_t>(part.data() - text->whole.data());

@@ -136,3 +136,33 @@ std::size_t DTDGroups::firstFrom(std::size_t start) const
 {
     return static_cast<std::size_t>(std::ranges::lower_bound(groups, start, {}, &Group::open) - groups.begin());
 }
+
+std::vector<std::string_view> attributesOf(std::string_view attlist)
+{
+    std::vector<std::string_view> names;
+    std::string_view rest = attlist;
+    const auto skip = [&rest](std::size_t size) {
+        rest.remove_prefix(std::min(size, rest.size()));
+        rest.remove_prefix(std::min(kDtdBlank.out(rest), rest.size()));
+    };
+    for (skip(dtdNameAt(rest).size());;) {
+        const std::string_view name = dtdNameAt(rest);
+        skip(name.size());
+        skip(dtdNameAt(rest).size()); // the type
+        if (rest.starts_with('('))
+            skip(std::min(rest.find(')'), rest.size() - 1) + 1);
+        const bool isReserved = rest.starts_with('#'), isQuoted = rest.starts_with('"') || rest.starts_with('\'');
+        if (name.empty() || (!isReserved && !isQuoted))
+            return names;
+        names.push_back(name);
+        if (isReserved)
+            skip(1 + dtdNameAt(rest.substr(1)).size());
+        if (!rest.starts_with('"') && !rest.starts_with('\''))
+            continue;
+        // A literal that holds a declaration has no end.
+        const std::size_t end = rest.find(rest.front(), 1);
+        if (end == kNowhere || rest.substr(0, end).find("<!") != kNowhere)
+            return names;
+        skip(end + 1);
+    }
+}

@@ -66,6 +66,10 @@ inline std::string_view dtdNameAt(std::string_view text)
     return text.substr(0, kDtdDelimiter.in(text));
 }
 
+/// Returns the names of the attributes in an ATTLIST (XML 1.0, production [52]). `attlist` begins with the name of the
+/// element. Stops at the end of the declaration, or at the first part that is not XML.
+std::vector<std::string_view> attributesOf(std::string_view attlist);
+
 /// A search whose starting positions only grow. Text between the last start and the last match is never searched again,
 /// so all searches together are linear. `Search(text, from)` returns a position or kNowhere. The text must outlive the
 /// search.
