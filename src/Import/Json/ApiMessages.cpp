@@ -117,7 +117,8 @@ private:
     void readOpenApi(Index root)
     {
         readPaths(partOf(tree.find(root, JsonWord::paths)), {});
-        readPaths(partOf(tree.find(root, JsonWord::webhooks)), {});
+        for (const Index at : membersOf(root, JsonWord::webhooks))
+            readPath(at, {});
     }
 
     // Adds the messages of an AsyncAPI document's channels and components.
@@ -160,10 +161,13 @@ private:
         const Index part = follow(node);
         if (part == 0 || tree.is(part, JsonNode::object))
             return part;
-        if (!tree.is(part, JsonNode::null) && !tree.key(node).starts_with("x-"))
+        if (!tree.is(part, JsonNode::null) && !isExtension(node))
             documents.note(SourceReport::invalidValue, part, tree.key(node));
         return 0;
     }
+
+    // Returns whether a member of an object is an extension, if the other keys of the object are not names.
+    bool isExtension(Index node) const { return tree.key(node).starts_with("x-"); }
 
     // Returns the members of the part under `key`.
     JsonTree::Children membersOf(Index holder, JsonWord key) { return tree.childrenOf(partOf(tree.find(holder, key))); }
@@ -178,8 +182,15 @@ private:
     // `prefix` begins the names of operations without one.
     void readPaths(Index paths, const CString& prefix)
     {
-        for (const Index path : tree.childrenOf(paths)) {
-            const Index item = partOf(path);
+        for (const Index path : tree.childrenOf(paths))
+            if (!isExtension(path))
+                readPath(path, prefix);
+    }
+
+    // A path may have operations of its own in addition to those that it refers to.
+    void readPath(Index path, const CString& prefix)
+    {
+        for (const Index item : {tree.target(path), partOf(path)}) {
             if (!isNew(item))
                 continue;
             for (const Index at : tree.childrenOf(item))
@@ -197,7 +208,8 @@ private:
         const CString called = id.empty() ? nameOf(name) : CString(id);
         readBody(partOf(tree.find(operation, JsonWord::requestBody)), called + "Request");
         for (const Index at : membersOf(operation, JsonWord::responses))
-            readBody(partOf(at), called + "Response");
+            if (!isExtension(at))
+                readBody(partOf(at), called + "Response");
         const Index callbacks = partOf(tree.find(operation, JsonWord::callbacks));
         if (callbacks != 0 && depth == kMaxCallbacks) {
             documents.note(SourceReport::cutShort, callbacks,
