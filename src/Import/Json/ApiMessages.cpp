@@ -69,6 +69,7 @@ public:
         // A "$ref" replaces its siblings in OpenAPI 3.0, and in AsyncAPI, whose schemas are of draft 7. OpenAPI 3.1
         // follows JSON Schema 2020-12. For parts, the version of the first description counts.
         for (const Index root : all) {
+            checkVersion(root);
             const std::string_view version = openApiVersionOf(isDescription(root) ? root : all.front());
             documents.setIgnoresSiblings(root, version.empty() || version.starts_with("3.0"));
         }
@@ -107,6 +108,20 @@ private:
     bool isDescription(Index root) const
     {
         return !openApiVersionOf(root).empty() || tree.find(root, JsonWord::asyncapi) != 0;
+    }
+
+    // Reports a version that may have unknown parts.
+    void checkVersion(Index root)
+    {
+        const auto check = [&](JsonWord key, std::initializer_list<std::string_view> known) {
+            const Index said = tree.find(root, key);
+            const std::string_view version = tree.text(said);
+            const auto begins = [version](std::string_view start) { return version.starts_with(start); };
+            if (said != 0 && std::ranges::none_of(known, begins))
+                documents.note(SourceReport::invalidValue, said, "unknown version " + CString(version));
+        };
+        check(JsonWord::openapi, {"3.0", "3.1", "3.2"});
+        check(JsonWord::asyncapi, {"2.", "3."});
     }
 
     Index componentsOf(Index root) const { return tree.find(tree.find(root, JsonWord::components), JsonWord::schemas); }
@@ -193,9 +208,14 @@ private:
         for (const Index item : {tree.target(path), partOf(path)}) {
             if (!isNew(item))
                 continue;
+            const auto read = [&](Index at) {
+                readOperation(partOf(at), spend(CString(tree.key(at)) + "_" + prefix + CString(tree.key(path))));
+            };
             for (const Index at : tree.childrenOf(item))
                 if (std::ranges::find(kMethods, tree.key(at)) != std::end(kMethods))
-                    readOperation(partOf(at), spend(CString(tree.key(at)) + "_" + prefix + CString(tree.key(path))));
+                    read(at);
+            for (const Index at : membersOf(item, JsonWord::additionalOperations))
+                read(at);
         }
     }
 
@@ -222,17 +242,20 @@ private:
         --depth;
     }
 
-    // A body has one schema for each media type.
+    // A body has one schema for each media type, and one for each item of a stream.
     void readBody(Index body, const CString& name)
     {
         for (const Index at : membersOf(body, JsonWord::content)) {
-            const Index schema = tree.find(partOf(at), JsonWord::schema);
-            if (schema == 0 || !isNew(schema))
-                continue;
-            if (refersToXml(tree, schema))
-                readXml(schema, {}, name, schemas.querySource());
-            else
-                schemas.addBody(schema, name);
+            const Index media = partOf(at);
+            for (const JsonWord word : {JsonWord::schema, JsonWord::itemSchema}) {
+                const Index schema = tree.find(media, word);
+                if (schema == 0 || !isNew(schema))
+                    continue;
+                if (refersToXml(tree, schema))
+                    readXml(schema, {}, name, schemas.querySource());
+                else
+                    schemas.addBody(schema, name);
+            }
         }
     }
 
