@@ -30,17 +30,37 @@ const AvroTypes::Scoped* AvroTypes::declarationOf(std::string_view type, NameTab
     return found == named.end() ? nullptr : &found->second;
 }
 
+// Returns whether Avro defines the type of a leaf.
+bool AvroTypes::isKnown(Index leaf) const
+{
+    const std::string_view type = typeOf(leaf);
+    return isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
+           (tree.is(leaf, JsonNode::object) && isAvroType(type));
+}
+
+// Reports leaves whose types are names that nothing declares.
+void AvroTypes::checkNames(const std::vector<Scoped>& leaves)
+{
+    for (const Scoped& leaf : leaves) {
+        const bool isObject = tree.is(leaf.schema, JsonNode::object);
+        const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
+        if (said != 0 && !isKnown(leaf.schema))
+            documents.note(SourceReport::unresolvedReference, said, tree.text(said));
+    }
+}
+
 void AvroTypes::declareAll(Index document)
 {
     if (tree.find(document, JsonWord::protocol) == 0)
         return declareAll({document, 0});
     const NameTable::Id space = tree[tree.find(document, JsonWord::namespaceWord, JsonNode::string)].text;
-    declareAll({tree.find(document, JsonWord::types, JsonNode::array), space});
+    declareAll({findOptional(document, JsonWord::types, JsonNode::array), space});
     // Messages may declare types, too.
     for (const Index message : tree.childrenOf(document, JsonWord::messages, JsonNode::object)) {
         for (const Index at : tree.childrenOf(message, JsonWord::request, JsonNode::array))
             declareAll({tree.find(at, JsonWord::type), space});
-        declareAll({tree.find(message, JsonWord::response), space});
+        for (const JsonWord word : {JsonWord::response, JsonWord::errors})
+            declareAll({tree.find(message, word), space});
     }
 }
 

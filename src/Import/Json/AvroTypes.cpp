@@ -28,6 +28,15 @@ JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
     return isRight ? found : 0;
 }
 
+// The same for a member that may be missing.
+JsonNode::Index AvroTypes::findOptional(Index schema, JsonWord key, JsonNode::Kind kind)
+{
+    const Index found = tree.find(schema, key);
+    if (found != 0 && !tree.is(found, kind))
+        documents.note(SourceReport::invalidValue, found, tree.names[static_cast<NameTable::Id>(key)]);
+    return tree.is(found, kind) ? found : 0;
+}
+
 // Any JSON could be an Avro schema with an unknown type, so at least one known type is required.
 bool AvroTypes::isSource(Index document)
 {
@@ -90,41 +99,44 @@ void AvroTypes::addNamedTypes()
             candidate.uri = uri->second;
 }
 
-// A request is a list of parameters, which becomes a record. A response is a schema, and becomes a candidate only if it
-// is a record, because a single value is no message.
+// A protocol without messages only declares types.
 void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
     readDeclared({});
-    const Index messages = tree.find(protocol, JsonWord::messages, JsonNode::object);
-    for (const Index at : tree.childrenOf(messages)) {
-        const Index message = tree.target(at);
-        const CString name(tree.key(at));
-        const Index request = tree.find(message, JsonWord::request, JsonNode::array);
-        if (tree[request].firstChild != 0 && names.isWanted(request)) {
-            const SourceTypes::Type type =
-                recordOf({{request, tree[space].text}}, names.toModelName(name + "Request", at), SourceTypes::kNone);
-            names.addCandidate({type, 0}, {}, tree[request].place);
-        }
-        const Index response = tree.find(message, JsonWord::response);
-        if (response == 0 || !names.isWanted(response))
-            continue;
-        const Scoped answer{response, tree[space].text};
-        const Sorted sorted = sortByKind({answer});
-        const bool isUnknown =
-            std::ranges::any_of(sorted.leaves, [&](const Scoped& leaf) { return !isKnown(leaf.schema); });
-        if (isUnknown || !sorted.records.empty()) {
-            // Reports a name that nothing declares.
-            const auto shape = shapeOf({answer}, names.toModelName(name + "Response", at), SourceTypes::kNone);
-            if (shape && !sorted.records.empty())
-                names.addCandidate(*shape, {}, tree[response].place);
-        }
-    }
-    // A protocol without messages only declares types.
+    const Index messages = findOptional(protocol, JsonWord::messages, JsonNode::object);
+    for (const Index at : tree.childrenOf(messages))
+        readMessage(at, tree[space].text);
     if (tree[messages].firstChild == 0)
         for (const auto& [schemas, type] : records)
             if (schemas.size() == 1)
                 names.addCandidate({type, 0}, {}, tree[schemas.front()].place);
+}
+
+// A request is a list of parameters, which becomes a record. A response is a schema, and becomes a candidate only if it
+// is a record, because a single value is no message. Errors are types that are declared elsewhere, or in the list.
+void AvroTypes::readMessage(Index member, NameTable::Id space)
+{
+    const Index message = tree.target(member);
+    const CString name(tree.key(member));
+    const Index request = tree.find(message, JsonWord::request, JsonNode::array);
+    if (request == 0 && names.isWanted(message))
+        documents.note(SourceReport::malformedDeclaration, message, "no request");
+    if (tree[request].firstChild != 0 && names.isWanted(request)) {
+        const SourceTypes::Type type =
+            recordOf({{request, space}}, names.toModelName(name + "Request", member), SourceTypes::kNone);
+        names.addCandidate({type, 0}, {}, tree[request].place);
+    }
+    if (const Index response = tree.find(message, JsonWord::response); names.isWanted(response)) {
+        const Sorted sorted = sortByKind({{response, space}});
+        checkNames(sorted.leaves);
+        if (!sorted.records.empty()) {
+            const std::string_view called = names.toModelName(name + "Response", member);
+            names.addCandidate(*shapeOf({{response, space}}, called, SourceTypes::kNone), {}, tree[response].place);
+        }
+    }
+    if (const Index errors = findOptional(message, JsonWord::errors, JsonNode::array); names.isWanted(errors))
+        checkNames(sortByKind({{errors, space}}).leaves);
 }
 
 // Returns the type of a value with these alternatives; nothing if it holds bytes only, which have no type.
@@ -280,24 +292,13 @@ std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
     return type == "enum" ? SourceTypes::kindEnumeration : SourceTypes::kindText;
 }
 
-// Returns whether Avro defines the type of a leaf.
-bool AvroTypes::isKnown(Index leaf) const
-{
-    const std::string_view type = typeOf(leaf);
-    return isOneOf(type, {"int", "long", "float", "double", "bytes", "string", "boolean", "null"}) ||
-           (tree.is(leaf, JsonNode::object) && isAvroType(type));
-}
-
 // Returns the type of a union of leaves; nothing if it holds bytes only.
 std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& leaves, std::string_view name)
 {
     std::set<SourceTypes::Kind> kinds;
     bool isBytes = false;
+    checkNames(leaves);
     for (const Scoped& leaf : leaves) {
-        const bool isObject = tree.is(leaf.schema, JsonNode::object);
-        const Index said = isObject ? find(leaf.schema, JsonWord::type) : leaf.schema;
-        if (said != 0 && !isKnown(leaf.schema))
-            documents.note(SourceReport::unresolvedReference, said, tree.text(said));
         if (const auto kind = kindOf(leaf.schema))
             kinds.insert(*kind);
         else

@@ -69,12 +69,15 @@ private:
     NameTable::Id spaceOf(Scoped at);
     bool isSame(Scoped one, Scoped other);
     Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
+    Index findOptional(Index schema, JsonWord key, JsonNode::Kind kind);
+    void readMessage(Index member, NameTable::Id space);
     void readDeclared(std::string_view name);
     FullName fullNameOf(std::string_view name, NameTable::Id space);
     const Scoped* declarationOf(std::string_view type, NameTable::Id space);
     std::optional<Shape> shapeOf(std::vector<Scoped> alternatives, std::string_view name, SourceTypes::Index home);
     Sorted sortByKind(std::vector<Scoped> alternatives);
     bool isKnown(Index leaf) const;
+    void checkNames(const std::vector<Scoped>& leaves);
     void spendStep();
     std::string_view simpleNameOf(Index schema);
     SourceTypes::Index modelSpaceOf(NameTable::Id space);

@@ -27,7 +27,8 @@
     WORD(pattern) WORD(minimum) WORD(maximum) WORD(minLength) WORD(maxLength) WORD(multipleOf) \
     WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) WORD(maxProperties) \
     WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) \
-    WORD(traits) WORD(extends) WORD(additionalOperations) WORD(itemSchema)
+    WORD(traits) WORD(extends) WORD(additionalOperations) WORD(itemSchema) WORD(errors) \
+    WORD(contentSchema) WORD(contentEncoding) WORD(contentMediaType) WORD(size)
 
 // Words that aren't identifiers in C++, with their texts. Each list makes both the enumerators and the texts, so that
 // their orders agree.
