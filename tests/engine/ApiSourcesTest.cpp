@@ -269,6 +269,15 @@ const Rule kAvro[] = {
         {"name":"c","type":{"type":"bytes","logicalType":"decimal","precision":4}},{"name":"d","type":{"type":"string","logicalType":"uuid"}},
         {"name":"e","type":{"type":"fixed","name":"D","size":12,"logicalType":"duration"}},{"name":"f","type":"bytes"},{"name":"g","type":{"type":"int","logicalType":"time-millis"}}]})",
      "r(a:Time b:Time c:Number d:String e:String g:Time)", "1 loss: 1 field of bytes left out"},
+    {"LogicalTypesOfOtherTypes",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":{"type":"long","logicalType":"date"}},{"name":"b","type":{"type":"string","logicalType":"timestamp-millis"}},
+        {"name":"c","type":{"type":"string","logicalType":"decimal"}},{"name":"d","type":{"type":"int","logicalType":"timestamp-millis"}}]})",
+     "r(a:Number b:String c:String d:Number)"},
+    {"TypesThatAreWrong",
+     R"({"type":"record","name":"r","fields":[{"name":"a","type":[]},{"name":"b","type":["int","int"]},{"name":"c","type":{"type":"fixed","name":"C"}},
+        {"name":"d","type":{"type":"fixed","name":"D","size":-1}},{"name":"e","type":{"type":"enum","name":"E","symbols":[]}}]})",
+     "r(a:String b:Number c:String d:String e:String)",
+     "5 losses: 3 declarations not understood, 1 value not understood, 1 second declaration"},
     {"Unions",
      R"({"type":"record","name":"r","fields":[{"name":"a","type":["null",{"type":"record","name":"A","fields":[{"name":"x","type":"int"},{"name":"y","type":"string"}]},
         {"type":"record","name":"B","fields":[{"name":"y","type":"string"},{"name":"z","type":"int"}]}]},{"name":"b","type":["int","double"]},
@@ -407,6 +416,17 @@ TEST_P(JsonDataRule, GivesTypes)
 using Avro = Importing<AvroMessage>;
 using OpenApi = Importing<OpenApiMessage>;
 using JsonData = Importing<JsonDataMessage>;
+
+TEST_F(Avro, CountsDetails)
+{
+    EXPECT_EQ(
+        import(
+            R"({"type":"record","name":"R","aliases":["O"],"fields":[{"name":"a","type":["null","int","R"],"order":"ignore"},{"name":"b","type":
+        {"type":"enum","name":"E","symbols":["X"],"default":"X","aliases":["F"]}},{"name":"c","type":[{"type":"record","name":"S","fields":[]},{"type":"record","name":"U","fields":[]},"null"]}]})"),
+        1);
+    EXPECT_EQ(countsOf(message),
+              "1 loss: 1 value of several kinds; 3 facets; 2 nillable elements; 1 choice; 1 default value");
+}
 
 TEST_F(Avro, ReadsNamesAndSymbolsOnceForAllFields)
 {

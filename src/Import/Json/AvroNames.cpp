@@ -30,6 +30,12 @@ const AvroTypes::Scoped* AvroTypes::declarationOf(std::string_view type, NameTab
     return found == named.end() ? nullptr : &found->second;
 }
 
+// Returns the name of a schema's type: the schema itself, or its "type". Empty if that is not a name.
+std::string_view AvroTypes::typeOf(Index schema) const
+{
+    return tree.text(tree.is(schema, JsonNode::string) ? schema : tree.find(schema, JsonWord::type));
+}
+
 // Returns whether Avro defines the type of a leaf.
 bool AvroTypes::isKnown(Index leaf) const
 {
@@ -82,6 +88,10 @@ void AvroTypes::declareAll(Scoped top)
                 waiting.push_back({isField ? tree.find(child, JsonWord::type) : child, at.space});
         };
         if (tree.is(at.schema, JsonNode::array)) {
+            std::unordered_set<NameTable::Id> members;
+            for (const Index member : tree.childrenOf(at.schema))
+                if (tree.is(member, JsonNode::string) && !members.insert(tree[member].text).second)
+                    documents.note(SourceReport::declaredTwice, member, tree.text(member));
             wait(at.schema, false);
         } else if (declare(at)) {
             for (const JsonWord word : {JsonWord::type, JsonWord::items, JsonWord::values})
@@ -108,8 +118,12 @@ NameTable::Id AvroTypes::spaceOf(Scoped at)
 bool AvroTypes::declare(Scoped& at)
 {
     const std::string_view name = tree.textOf(at.schema, JsonWord::name);
-    if (!isAvroType(tree.textOf(at.schema, JsonWord::type)))
+    const std::string_view type = tree.textOf(at.schema, JsonWord::type);
+    if (!isAvroType(type))
         return true;
+    const Index size = type == "fixed" ? find(at.schema, JsonWord::size, JsonNode::number) : 0;
+    if (tree.text(size).find_first_not_of("0123456789") != CString::npos)
+        documents.note(SourceReport::invalidValue, size, tree.text(size));
     if (find(at.schema, JsonWord::name, JsonNode::string) == 0 || name.empty())
         return true;
     at.space = spaceOf(at);

@@ -154,6 +154,10 @@ std::optional<JsonTypes::Shape> AvroTypes::shapeOf(std::vector<Scoped> alternati
             !sorted.records.empty() + !sorted.maps.empty() + !sorted.arrays.empty() + !sorted.leaves.empty();
         if (sorts > 1)
             documents.note(SourceReport::kindsDiffer, place);
+        if (sorts == 0 && !sorted.hasNull)
+            documents.note(SourceReport::malformedDeclaration, place, "no type");
+        report.count(SourceReport::nillable, sorts > 0 && sorted.hasNull);
+        report.count(SourceReport::alternatives, sorted.records.size() > 1);
         if (isObject) {
             shape.type = recordOf(sorted.records.empty() ? sorted.maps : sorted.records, name, home);
             shape.depth += sorted.records.empty() ? 1 : 0;
@@ -208,7 +212,9 @@ AvroTypes::Sorted AvroTypes::sortByKind(std::vector<Scoped> alternatives)
             if (const Scoped* const target = declarationOf(type, at.space)) {
                 documents.link(at.schema, target->schema);
                 alternatives.push_back(*target);
-            } else if (type != "null") {
+            } else if (type == "null") {
+                sorted.hasNull = true;
+            } else {
                 std::vector<Scoped>& alike = isOneOf(type, {"record", "error"}) ? sorted.records
                                              : type == "map"                    ? sorted.maps
                                              : type == "array"                  ? sorted.arrays
@@ -257,6 +263,7 @@ SourceTypes::Type AvroTypes::recordOf(const std::vector<Scoped>& schemas, std::s
         row.space = modelSpaceOf(schemas.front().space);
     else if (row.home = home; home != SourceTypes::kNone)
         row.space = types.records[home].space;
+    report.count(SourceReport::facet, !own.empty() && tree.find(schema, JsonWord::aliases) != 0);
     const SourceTypes::Index record = types.addRecord(row);
     pending.push_back({schemas, record});
     return known->second = {SourceTypes::kindRecord, record};
@@ -271,21 +278,20 @@ SourceTypes::Index AvroTypes::modelSpaceOf(NameTable::Id space)
     return known->second;
 }
 
-// Returns the name of a schema's type: the schema itself, or its "type". Empty if that is not a name.
-std::string_view AvroTypes::typeOf(Index schema) const
-{
-    return tree.text(tree.is(schema, JsonNode::string) ? schema : tree.find(schema, JsonWord::type));
-}
-
 // Returns the kind of a schema that is neither an object nor an array; nothing for bytes.
 std::optional<SourceTypes::Kind> AvroTypes::kindOf(Index schema) const
 {
     const std::string_view type = typeOf(schema);
     const std::string_view logical = tree.textOf(schema, JsonWord::logicalType);
-    if (logical == "date" || logical.starts_with("time-") || logical.starts_with("timestamp-") ||
-        logical.starts_with("local-timestamp-"))
+    // Of any other type, a logical one is ignored (Avro 1.11.1, "Logical Types").
+    const bool isTime =
+        (type == "int" && logical == "date") || (isOneOf(type, {"int", "long"}) && logical.starts_with("time-"));
+    const bool isTimestamp =
+        type == "long" && (logical.starts_with("timestamp-") || logical.starts_with("local-timestamp-"));
+    if (isTime || isTimestamp)
         return SourceTypes::kindTime;
-    if (logical == "decimal" || logical == "big-decimal" || isOneOf(type, {"int", "long", "float", "double"}))
+    const bool isDecimal = isOneOf(type, {"bytes", "fixed"}) && (logical == "decimal" || logical == "big-decimal");
+    if (isDecimal || isOneOf(type, {"int", "long", "float", "double"}))
         return SourceTypes::kindNumber;
     if (type == "bytes")
         return std::nullopt;
@@ -340,8 +346,12 @@ SourceTypes::Type AvroTypes::enumerationOf(const std::vector<Scoped>& leaves, st
                 documents.note(SourceReport::declaredTwice, at, tree.text(at));
         }
     // An enumeration without symbols can't be declared, so it becomes text.
-    if (constants.empty())
+    if (constants.empty()) {
+        documents.note(SourceReport::malformedDeclaration, schema, "no symbols");
         return {};
+    }
+    report.count(SourceReport::facet, !own.empty() && tree.find(schema, JsonWord::aliases) != 0);
+    report.count(SourceReport::defaultValue, !own.empty() && tree.find(schema, JsonWord::defaultWord) != 0);
     const SourceTypes::Type made{SourceTypes::kindEnumeration,
                                  types.addEnumeration({own.empty() ? name : own, describe(schema), !own.empty(),
                                                        tree[schema].place, modelSpaceOf(leaves.front().space)},

@@ -54,6 +54,7 @@ private:
     struct Sorted
     {
         std::vector<Scoped> records, maps, arrays, leaves;
+        bool hasNull = false;
     };
 
     // A record whose fields are not yet read: those of records, the value of a map, or the parameters of a message.
