@@ -125,6 +125,8 @@ TEST_F(ImportCommand, GoesByTheRightsOfFileAndFolder)
          {0, "", "hidden.xsd:1:56: error: closed/x.xsd: Permission denied\n"}},
         {"chmod 0 m.mod; $as ./import dtd --full m.dtd; rm -f m.dtd m.mod",
          {0, "", "m.dtd:2:1: error: m.mod: Permission denied\n"}},
+        {R"(echo '{"$ref":"b.json"}' >a.json; echo {} >b.json; chmod 0 b.json; $as ./import jsonschema a.json; rm -f ?.json)",
+         {0, "", "a.json:1:9: error: b.json: Permission denied\n"}},
         {"chmod 777 .; chmod 666 old; $as ./import dtd r.dtd -l -o old; stat -c '%u %a' old; cat old",
          {0, std::to_string(geteuid()) + " 666\n" + kList, ""}},
         {"chmod 555 .; chmod 666 old; $as ./import dtd r.dtd -o new", {3, "", refused("new")}},

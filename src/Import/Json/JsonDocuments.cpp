@@ -76,7 +76,10 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
         return 0;
     Index root = 0;
     try {
-        root = read(fileName, fileName, false);
+        CString text;
+        if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
+            throw SourceRefusal{cantOpen(fileName, cause), {fileName, inWords(fileName, cause)}};
+        root = read(fileName, fileName, text, false);
     } catch (const JsonFault& fault) {
         throw refusalOf(fileName, fault);
     }
@@ -87,17 +90,14 @@ JsonNode::Index JsonDocuments::load(const CString& fileName)
     return root;
 }
 
-JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, bool ignoresSiblings)
+JsonNode::Index JsonDocuments::read(const CString& fileName, const CString& shownName, std::string_view text,
+                                    bool ignoresSiblings)
 {
     // Documents have the numbers of their files in the report, so that a place identifies its document. Files of other
     // kinds have numbers, too.
     const std::uint32_t number = report.addFile(shownName);
     documents.resize(number + 1);
-    CString text;
-    if (const FileCause cause = readFile(fileName, text, kMaxNamedFile); cause != FileCause::none)
-        throw SourceRefusal{cantOpen(shownName, cause), {shownName, inWords(fileName, cause)}};
-    const std::string_view content =
-        std::string_view(text).substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    const std::string_view content = text.substr(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     // In YAML, "<<" is a key.
     if (const std::string_view start = trimmed(content.substr(0, kStart));
         start.starts_with('<') && !start.starts_with("<<"))
@@ -269,15 +269,19 @@ std::optional<FoundFile> JsonDocuments::findFile(const CString& folder, const CS
     return file;
 }
 
-// Reads a document that `holder` refers to. Returns 0 and reports a loss if it can't be read.
+// Reads a document that `holder` refers to. Returns 0 and reports a loss if it is neither JSON nor YAML.
 JsonNode::Index JsonDocuments::readNamed(const FoundFile& file, const CString& path, Index holder)
 {
     const SourcePlace from = tree[holder].place;
     const CString fromName = report.fileNameOf(from.file);
     const CString shownName = shownFrom(fromName, documents[from.file].folder, path, file);
     const CString named = " (named in " + placeInWords(fromName, from.line, from.column) + ")";
+    // The user can give access to a file that exists, so one that can't be read is no loss.
+    CString text;
+    if (const FileCause cause = readFile(file.name, text, kMaxNamedFile); cause != FileCause::none)
+        throw SourceRefusal{cantOpen(shownName, cause), report.faultAt(from, path + ": " + inWords(file.name, cause))};
     try {
-        return read(file.name, shownName, ignoresSiblings(holder));
+        return read(file.name, shownName, text, ignoresSiblings(holder));
     } catch (const JsonFault& fault) {
         report.add(SourceReport::moduleIllFormed, {report.fileCount() - 1, fault.line, fault.column},
                    fault.reason + named);

@@ -87,7 +87,7 @@ private:
         SourceReport::Construct fault = SourceReport::unresolvedReference;
     };
 
-    Index read(const CString& fileName, const CString& shownName, bool ignoresSiblings);
+    Index read(const CString& fileName, const CString& shownName, std::string_view text, bool ignoresSiblings);
     void findIdentifiers(Index first, bool isDraft4);
     void keepIdentifier(Index node, bool isDraft4);
     Index resourceOf(Index node) const;
