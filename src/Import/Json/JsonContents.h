@@ -142,6 +142,7 @@ private:
     // Read the keywords of a schema, see JsonKeywords.cpp. Parts go into the frame, all else into `own`.
     void readSchema(Frame& frame);
     void readKeyword(Frame& frame, Index child, Own& own);
+    void readDiscriminator(Frame& frame, Index node);
     void readItems(Index schema, JsonWord key, Index node, Own& own);
     void readReference(Frame& frame, Index child);
     Index referenced(Index child);
@@ -150,7 +151,6 @@ private:
     std::vector<JsonWord> typesOf(Index type);
     void readOwn(Frame& frame, Own& own);
     JsonContent contentOfType(JsonWord type, Frame& frame, Own& own);
-    JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     Index choiceOf(const std::vector<Index>& schemas);
     bool isPlainReference(Index schema) const;
     bool isUnrestricted(Index schema) const;
@@ -180,7 +180,9 @@ private:
     void addOwnFields(Frame& frame, Index properties);
     void addField(Frame& frame, JsonMember field, How how);
     void mergeField(MergedMember& known, JsonMember field, How how);
+    JsonContent contentOfValues(Frame& frame, const Own& own, bool isText);
     void overrideDiscriminator(Frame& frame);
+    void checkMapped(Index value);
     std::optional<std::pair<NameTable::Id, NameTable::Id>> leafOf(Index schema) const;
     // Combine the schemas of a member into made ones. The rank of a made schema is 0 if all its members are of the
     // source, else one more than the highest rank of its members. Members that combine in the same way are replaced by

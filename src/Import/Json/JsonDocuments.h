@@ -5,6 +5,7 @@
 #include "Import/Full/DocumentLinks.h"
 #include "Import/Json/JsonTree.h"
 
+#include <array>
 #include <map>
 #include <optional>
 
@@ -47,6 +48,13 @@ public:
 
     /// Returns the root of the document of `node`.
     Index rootOf(Index node) const { return documents[tree[node].place.file].root; }
+
+    /// Returns the objects that hold the definitions of a document; 0 for those that it lacks.
+    std::array<Index, 3> definitionsOf(Index root) const
+    {
+        return {tree.find(root, JsonWord::defs), tree.find(root, JsonWord::definitions),
+                tree.find(tree.find(root, JsonWord::components), JsonWord::schemas)};
+    }
 
     /// Returns whether a node was made by a reader: it has no parent, but is not the root of a document.
     bool isMade(Index node) const { return tree[node].parent == 0 && rootOf(node) != node; }

@@ -152,12 +152,21 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         std::erase_if(own.mapValues, [this](Index value) { return isBoolean(value, "false"); });
         break;
     case JsonWord::discriminator:
-        frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
-        frame.discriminator = tree[tree.find(node, JsonWord::propertyName, JsonNode::string)].text;
+        readDiscriminator(frame, node);
         break;
     default:
         break;
     }
+}
+
+// In AsyncAPI a discriminator is only the name of a property.
+void JsonContents::readDiscriminator(Frame& frame, Index node)
+{
+    const Index property = tree.find(node, JsonWord::propertyName, JsonNode::string);
+    if (tree.is(node, JsonNode::object) && property == 0)
+        return documents.note(SourceReport::invalidValue, node, "no propertyName");
+    frame.mapping = tree.find(node, JsonWord::mapping, JsonNode::object);
+    frame.discriminator = tree[property].text;
 }
 
 // Reads a keyword about the items of an array.

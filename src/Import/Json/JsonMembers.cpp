@@ -105,14 +105,30 @@ void JsonContents::overrideDiscriminator(Frame& frame)
     makeOwn(frame);
     const Index schema = tree.add({.kind = JsonNode::object, .place = tree[frame.mapping].place});
     JsonContent listed{.owner = schema, .first = static_cast<std::uint32_t>(members.size())};
-    for (const Index at : tree.childrenOf(frame.mapping))
+    for (const Index at : tree.childrenOf(frame.mapping)) {
         members.push_back({tree[at].key});
+        checkMapped(at);
+    }
     listed.count = static_cast<std::uint32_t>(members.size()) - listed.first;
     listed.kind = listed.count > 0 ? JsonContent::enumeration : JsonContent::none;
     contents[schema] = listed;
     const JsonMember field{frame.discriminator, schema};
     addField(frame, field, both);
     frame.members[*frame.positions.find(field.name)] = {field, {}};
+}
+
+// Reports a value of a mapping that leads nowhere. It is the name of a schema, or a reference.
+void JsonContents::checkMapped(Index value)
+{
+    const std::string_view name = tree.text(tree.target(value));
+    const bool isName = std::ranges::any_of(documents.definitionsOf(documents.rootOf(value)),
+                                            [&](Index holder) { return tree.find(holder, name) != 0; });
+    if (!tree.is(tree.target(value), JsonNode::string))
+        documents.note(SourceReport::invalidValue, value, tree.key(value));
+    else if (!isName && name.find_first_of("#/.") == name.npos)
+        documents.note(SourceReport::unresolvedReference, value, name);
+    else if (!isName)
+        documents.resolve(value);
 }
 
 // Returns one schema that combines all. Each run of alternatives, and each run of schemas that apply together, becomes

@@ -265,8 +265,7 @@ void JsonTypes::addDeclared(Index root, std::string_view name)
     const bool hasOwn = hasOwnType(root);
     if (nameOf(root) == name && hasOwn)
         add(root, {});
-    for (const Index holder : {tree.find(root, JsonWord::defs), tree.find(root, JsonWord::definitions),
-                               tree.find(tree.find(root, JsonWord::components), JsonWord::schemas)})
+    for (const Index holder : documents.definitionsOf(root))
         add(tree.find(holder, name), name);
     // A part of an API description may hold schemas directly, by name.
     if (const Index schema = tree.find(root, name); !hasOwn && tree.keyOf(schema) == JsonWord::none)
