@@ -182,8 +182,39 @@ void JsonTypes::readFields(const Pending& record)
                 name = toModelName(tree.names[field.name], field.schema);
             fields.push_back(fieldOf(name, field.schema, record.record));
         }
+        addRequired(record.content);
     }
     types.setFields(record.record, fields);
+}
+
+// Adds the fields of properties that a schema only requires. They may have any value. If it allows no further
+// properties, nothing can meet it.
+void JsonTypes::addRequired(const JsonContent& content)
+{
+    std::vector<Index> required;
+    const auto collect = [&](Index schema) {
+        for (const Index at : tree.childrenOf(schema, JsonWord::required, JsonNode::array))
+            if (tree.is(at, JsonNode::string))
+                required.push_back(at);
+    };
+    collect(content.owner);
+    for (const Index at : tree.childrenOf(content.owner, JsonWord::allOf, JsonNode::array))
+        collect(tree.target(at));
+    if (required.empty())
+        return;
+    std::unordered_set<NameTable::Id> declared;
+    for (const Index at : tree.childrenOf(content.owner, JsonWord::properties, JsonNode::object))
+        declared.insert(tree[at].key); // also those that a schema forbids
+    for (const JsonMember& field : contents.membersOf(content))
+        declared.insert(field.name);
+    const Index further = tree.find(content.owner, JsonWord::additionalProperties, JsonNode::boolean);
+    for (const Index at : required)
+        if (!declared.insert(tree[at].text).second)
+            continue;
+        else if (tree.text(further) == "false")
+            documents.note(SourceReport::elementNotAllowed, at, tree.text(at));
+        else
+            fields.push_back({toModelName(tree.text(at), at)});
 }
 
 SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, SourceTypes::Index record)

@@ -109,6 +109,7 @@ private:
     SourceTypes::Type recordOf(const JsonContent& content, std::string_view name, SourceTypes::Index home);
     SourceTypes::Type enumerationOf(const JsonContent& content, std::string_view name);
     void readFields(const Pending& pending);
+    void addRequired(const JsonContent& content);
     SourceTypes::Field fieldOf(std::string_view name, Index schema, SourceTypes::Index record);
     std::string_view describe(Index schema);
 
