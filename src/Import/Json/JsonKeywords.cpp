@@ -22,18 +22,29 @@ struct Keyword
 // By word. A keyword may have both columns: "contains" must be a schema, and is counted.
 constexpr auto kKeywords = [] {
     using enum JsonWord;
-    constexpr unsigned isText = 1u << JsonNode::string, isList = 1u << JsonNode::array,
-                       isObject = 1u << JsonNode::object, isSchema = isObject | 1u << JsonNode::boolean;
+    constexpr unsigned isText = 1u << JsonNode::string, isNumber = 1u << JsonNode::number,
+                       isFlag = 1u << JsonNode::boolean, isList = 1u << JsonNode::array,
+                       isObject = 1u << JsonNode::object, isSchema = isObject | isFlag;
     std::array<Keyword, static_cast<std::size_t>(wordCount)> table{};
     const auto rowOf = [&table](JsonWord key) -> Keyword& { return table[static_cast<std::size_t>(key)]; };
-    for (const JsonWord key : {ref, dynamicRef, recursiveRef, format})
+    for (const JsonWord key : {ref, dynamicRef, recursiveRef, format, pattern})
         rowOf(key).kinds = isText;
+    for (const JsonWord key : {title, description})
+        rowOf(key).kinds = isText | 1u << JsonNode::null; // of a key of YAML without a value
+    for (const JsonWord key :
+         {minimum, maximum, minLength, maxLength, multipleOf, minProperties, maxProperties, minItems, maxItems})
+        rowOf(key).kinds = isNumber;
+    for (const JsonWord key : {exclusiveMinimum, exclusiveMaximum})
+        rowOf(key).kinds = isNumber | isFlag; // up to draft 4
+    for (const JsonWord key : {uniqueItems, nullable})
+        rowOf(key).kinds = isFlag;
+    rowOf(required).kinds = isList | isFlag; // of a property, up to draft 3
     for (const JsonWord key : {allOf, oneOf, anyOf, prefixItems, enumWord})
         rowOf(key).kinds = isList;
-    for (const JsonWord key : {dependentSchemas, dependencies, properties, patternProperties})
+    for (const JsonWord key : {dependentSchemas, dependencies, properties, patternProperties, defs, definitions})
         rowOf(key).kinds = isObject;
-    for (const JsonWord key :
-         {additionalProperties, unevaluatedProperties, additionalItems, unevaluatedItems, contains})
+    for (const JsonWord key : {additionalProperties, unevaluatedProperties, additionalItems, unevaluatedItems, contains,
+                               propertyNames, notWord})
         rowOf(key).kinds = isSchema;
     rowOf(items).kinds = isSchema | isList;
     rowOf(type).kinds = isText | isList;
@@ -81,7 +92,10 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
     const bool isObject = tree.is(node, JsonNode::object);
     const JsonWord key = tree.keyOf(child);
     const auto [kinds, detail] = kKeywords[static_cast<std::size_t>(key)];
-    if (kinds != 0 && (kinds & 1u << tree[node].kind) == 0)
+    const bool isEmptyList =
+        tree.is(node, JsonNode::array) && tree[node].firstChild == 0 &&
+        isOneOf(key, {JsonWord::type, JsonWord::enumWord, JsonWord::allOf, JsonWord::oneOf, JsonWord::anyOf});
+    if (isEmptyList || (kinds != 0 && (kinds & 1u << tree[node].kind) == 0))
         return documents.note(SourceReport::invalidValue, child, tree.key(child));
     if (detail)
         report.count(*detail);
@@ -245,6 +259,9 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     // Both keywords apply, so a constant is the only one of the listed values that is left.
     if (own.constant != 0)
         own.values.assign(1, own.constant);
+    for (const Index value : own.values)
+        if (tree.is(value, JsonNode::object) || tree.is(value, JsonNode::array)) // no kind has such constants
+            documents.note(SourceReport::invalidValue, value);
     // Listed values are constants if the schema may be text. Otherwise its type determines the field.
     if (own.isListed && (texts > 0 || wanted.empty()))
         return join(frame, contentOfValues(frame, own, texts > 0 && texts == wanted.size()), both, frame.node);
@@ -253,9 +270,9 @@ void JsonContents::readOwn(Frame& frame, Own& own)
     if (own.type == 0) {
         if (own.hasProperties || !own.mapValues.empty())
             wanted.push_back(JsonWord::object);
-        else if (own.hasItems || own.contained != 0)
+        if (own.hasItems || own.contained != 0)
             wanted.push_back(JsonWord::array);
-        else if (own.format != 0)
+        if (wanted.empty() && own.format != 0)
             wanted.push_back(JsonWord::string);
     }
     // The text of a reference that leads nowhere, which applies in addition to the types.
@@ -307,44 +324,6 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         content.kind = isTime && type == JsonWord::string ? JsonContent::time : JsonContent::text;
         content.isImplied = own.type == 0;
     }
-    return content;
-}
-
-// Returns an enumeration of the listed values if they are texts; null is left out. With `isText`, numbers and booleans
-// count as texts, too.
-JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isText)
-{
-    JsonContent content;
-    content.owner = frame.node;
-    content.first = static_cast<std::uint32_t>(members.size());
-    // A schema that lists one value describes it, but a property's describes the field.
-    const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
-    constexpr unsigned texts = 1, numbers = 2, others = 4;
-    unsigned sorts = 0; // a set of these bits
-    std::unordered_set<NameTable::Id> visited;
-    for (const Index value : own.values) {
-        const JsonNode::Kind kind = tree[value].kind;
-        if (kind == JsonNode::null)
-            continue;
-        const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
-        const bool isConstant = kind == JsonNode::string || (isText && isScalar);
-        sorts |= isConstant ? texts : kind == JsonNode::number ? numbers : others;
-        if (kind == JsonNode::object || kind == JsonNode::array) // no kind has such constants
-            documents.note(SourceReport::invalidValue, value);
-        else if (visited.insert(tree[value].text).second)
-            members.push_back({tree[value].text, isOfValue ? frame.node : 0});
-    }
-    step(own.values.size());
-    if (sorts == texts) {
-        content.kind = JsonContent::enumeration;
-        content.count = static_cast<std::uint32_t>(members.size() - content.first);
-        return content;
-    }
-    members.resize(content.first);
-    if (sorts != 0)
-        content.kind = sorts == numbers ? JsonContent::number : JsonContent::text;
-    if ((sorts & (sorts - 1)) != 0) // several
-        documents.note(SourceReport::kindsDiffer, frame.node);
     return content;
 }
 

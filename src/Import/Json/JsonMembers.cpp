@@ -61,6 +61,42 @@ void JsonContents::addOwnFields(Frame& frame, Index properties)
     }
 }
 
+// Returns an enumeration of the listed values if they are texts; null is left out. With `isText`, numbers and booleans
+// count as texts, too.
+JsonContent JsonContents::contentOfValues(Frame& frame, const Own& own, bool isText)
+{
+    JsonContent content;
+    content.owner = frame.node;
+    content.first = static_cast<std::uint32_t>(members.size());
+    // A schema that lists one value describes it, but a property's describes the field.
+    const bool isOfValue = own.values.size() == 1 && tree.keyOf(tree[frame.node].parent) != JsonWord::properties;
+    constexpr unsigned texts = 1, numbers = 2, others = 4;
+    unsigned sorts = 0; // a set of these bits
+    std::unordered_set<NameTable::Id> visited;
+    for (const Index value : own.values) {
+        const JsonNode::Kind kind = tree[value].kind;
+        if (kind == JsonNode::null)
+            continue;
+        const bool isScalar = kind == JsonNode::number || kind == JsonNode::boolean;
+        const bool isConstant = kind == JsonNode::string || (isText && isScalar);
+        sorts |= isConstant ? texts : kind == JsonNode::number ? numbers : others;
+        if (visited.insert(tree[value].text).second)
+            members.push_back({tree[value].text, isOfValue ? frame.node : 0});
+    }
+    step(own.values.size());
+    if (sorts == texts) {
+        content.kind = JsonContent::enumeration;
+        content.count = static_cast<std::uint32_t>(members.size() - content.first);
+        return content;
+    }
+    members.resize(content.first);
+    if (sorts != 0)
+        content.kind = sorts == numbers ? JsonContent::number : JsonContent::text;
+    if ((sorts & (sorts - 1)) != 0) // several
+        documents.note(SourceReport::kindsDiffer, frame.node);
+    return content;
+}
+
 // Adds a field, or a further schema to the field of the same name.
 void JsonContents::addField(Frame& frame, JsonMember field, How how)
 {
