@@ -269,12 +269,13 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
   "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
-  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]}},
+  "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]},
+  "q":{"title":" ","description":"One. Two.","format":"uri","contentEncoding":"base64"},"s":{"const":"x\u0001","title":"S","description":"no"}},
   "then":{"additionalProperties":{"type":"string"}}})"),
               1);
     EXPECT_EQ(reportOf(message, folder.path()), R"(14 losses
 x.json:4:41: key given twice: f
-x.json:10:10: further properties of any name: #/then
+x.json:11:10: further properties of any name: #/then
 x.json:2:15: reference to nothing that was read: #/$defs/None at #/properties/a
 x.json:2:43: module or document not there: none.json at #/properties/b
 bad.json:2:7: document not well-formed: a colon is expected after the key (named in x.json:2:68)
@@ -288,9 +289,10 @@ x.json:9:36: unknown type, imported as text: r.avsc in Avro at #/properties/o
 x.json:9:50: values of different kinds: #/properties/p
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
-29 details
+36 details
 x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
+x.json:10:93: name adjusted: x  is x�
 
 4 values of several kinds
 4 references became text
@@ -299,11 +301,12 @@ x.json:5:10: name adjusted: g\h is g_h
 1 document not readable
 1 document not well-formed
 1 key given twice
-19 optional parts
-4 facets
+21 optional parts
+6 facets
 3 choices
+2 names adjusted
+2 documentations cut short
 1 part that may not occur
-1 name adjusted
 1 default value
 )");
 }

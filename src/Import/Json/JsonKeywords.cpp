@@ -49,7 +49,8 @@ constexpr auto kKeywords = [] {
     rowOf(items).kinds = isSchema | isList;
     rowOf(type).kinds = isText | isList;
     for (const JsonWord key : {pattern, minimum, maximum, exclusiveMinimum, exclusiveMaximum, minLength, maxLength,
-                               multipleOf, minProperties, maxProperties, propertyNames, contains, notWord})
+                               multipleOf, minProperties, maxProperties, propertyNames, contains, notWord,
+                               contentSchema, contentEncoding, contentMediaType})
         rowOf(key).detail = SourceReport::facet;
     for (const JsonWord key : {minItems, maxItems, uniqueItems})
         rowOf(key).detail = SourceReport::occurrenceBounds;
@@ -57,6 +58,11 @@ constexpr auto kKeywords = [] {
     rowOf(nullable).detail = SourceReport::nillable;
     return table;
 }();
+
+bool isTimeFormat(JsonWord format)
+{
+    return isOneOf(format, {JsonWord::dateTime, JsonWord::date, JsonWord::time});
+}
 
 } // namespace
 
@@ -140,6 +146,10 @@ void JsonContents::readKeyword(Frame& frame, Index child, Own& own)
         break;
     case JsonWord::format:
         own.format = tree[node].text;
+        report.count(SourceReport::facet, !isTimeFormat(tree.wordOf(own.format)));
+        break;
+    case JsonWord::description: // the title takes precedence
+        report.count(SourceReport::documentationCut, !trimmed(tree.textOf(frame.node, JsonWord::title)).empty());
         break;
     case JsonWord::enumWord:
         own.isListed = true;
@@ -319,9 +329,8 @@ JsonContent JsonContents::contentOfType(JsonWord type, Frame& frame, Own& own)
         }
         break;
     default:
-        const JsonWord format = tree.wordOf(own.format);
-        const bool isTime = format == JsonWord::dateTime || format == JsonWord::date || format == JsonWord::time;
-        content.kind = isTime && type == JsonWord::string ? JsonContent::time : JsonContent::text;
+        const bool isTime = type == JsonWord::string && isTimeFormat(tree.wordOf(own.format));
+        content.kind = isTime ? JsonContent::time : JsonContent::text;
         content.isImplied = own.type == 0;
     }
     return content;

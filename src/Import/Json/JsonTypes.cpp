@@ -149,8 +149,13 @@ SourceTypes::Type JsonTypes::enumerationOf(const JsonContent& content, std::stri
         std::vector<SourceTypes::Constant> constants;
         // The description of a single constant is that of the whole.
         const bool isDescribed = content.count > 1;
-        for (const JsonMember constant : contents.membersOf(content))
-            constants.push_back({types.keep(tree.names[constant.name]), isDescribed ? describe(constant.schema) : ""});
+        for (const JsonMember constant : contents.membersOf(content)) {
+            const std::string_view value = tree.names[constant.name];
+            if (!isXmlText(value))
+                report.add(SourceReport::nameAdjusted, tree[content.owner].place,
+                           CString(value) + " is " + toXmlText(value));
+            constants.push_back({types.keep(value), isDescribed ? describe(constant.schema) : ""});
+        }
         known = types.addEnumeration({called, describe(content.owner), isNamed, tree[content.owner].place}, constants);
     }
     return {SourceTypes::kindEnumeration, known};
@@ -227,9 +232,13 @@ std::string_view JsonTypes::descriptionOf(Index text, bool isFirstSentence)
 {
     const auto [known, isNew] = descriptions.try_emplace(joined(tree[text].text, isFirstSentence ? 1 : 0));
     if (isNew) {
+        const std::string_view whole = trimmed(tree.text(text));
+        const std::string_view said = isFirstSentence ? firstSentence(whole) : whole;
         CString words;
-        appendCollapsed(words, isFirstSentence ? firstSentence(tree.text(text)) : tree.text(text));
+        appendCollapsed(words, said);
         known->second = types.keep(shortDescription(words));
+        report.count(SourceReport::documentationCut,
+                     said.size() < whole.size() || known->second.size() < trimmed(words).size());
     }
     return known->second;
 }
@@ -242,7 +251,7 @@ std::string_view JsonTypes::describe(Index schema)
     for (int i = 0; i < longestChain && schema != 0; ++i) {
         schema = tree.target(schema);
         Index said = tree.find(schema, JsonWord::title, JsonNode::string);
-        const bool isTitle = said != 0;
+        const bool isTitle = !trimmed(tree.text(said)).empty();
         if (!isTitle)
             said = tree.find(schema, JsonWord::description, JsonNode::string);
         if (said != 0)
