@@ -11,8 +11,8 @@
 
 // Three passes, each linear in the text (or in the overlapping statements, which are bounded): DTDNotes reports what is
 // not understood, scan() registers names and their children, and declareAll() declares records and fields. Records come
-// last, because their folder has the name of the main type. Names are views of the text, and searches only move
-// forward; docs/adr/views-of-a-dtd.md has the reasons and figures.
+// last, because their folder has the name of the main type. Names are views of the text; docs/adr/views-of-a-dtd.md has
+// the reasons and figures.
 namespace {
 
 constexpr std::string_view kCommentStart = "<!--", kCommentEnd = "-->";
@@ -21,7 +21,8 @@ constexpr CharSet kSeparators(",|&");
 constexpr CharSet kMarks("*+?");
 constexpr CharSet kMarksAndBlanks("*+? \t\r\n");
 constexpr CharSet kMarkup("<>%");
-constexpr std::size_t kKeywordLength = 7;
+constexpr DTDKeyword kElement("ELEMENT"), kAttlist("ATTLIST");
+constexpr CharSet kNameEnd(" ("); // other white space belongs to the name, whose ends are trimmed
 constexpr std::size_t kMaxMainType = 4096;
 constexpr std::size_t kFreeOverlap = 128 << 20; // bytes of statements; with drifting ends, real DTDs reach 90 MB
 constexpr std::size_t kMaxOverlap = 16;         // times the size of the text
@@ -166,15 +167,13 @@ SourcePlace DTDMessage::statementPlace(std::size_t at) const
 // Parses one statement, from its '<' through its '>'. Both handlers run if both keywords occur.
 int DTDMessage::doParse(std::size_t start, std::size_t end)
 {
-    const auto behind = [end](std::size_t keyword) { // the position after the keyword, if that lies in the statement
-        return keyword != kNowhere && keyword + kKeywordLength <= end ? keyword + kKeywordLength : kNowhere;
-    };
+    const std::string_view upToEnd = text->whole.substr(0, end);
     // "<!ATTLIST element id ..." contains both keywords, because letter case is ignored. It then also declares the
     // element `id`.
-    if (const std::size_t element = behind(text->elementKeyword.from(start)); element != kNowhere)
+    if (const std::size_t element = kElement.behind(upToEnd, start); element != kNowhere)
         if (!doParseElement(element, end))
             return 0;
-    if (const std::size_t attlist = behind(text->attlistKeyword.from(start)); attlist != kNowhere)
+    if (const std::size_t attlist = kAttlist.behind(upToEnd, start); attlist != kNowhere)
         doParseAttlist(attlist, end);
     return 1;
 }
@@ -182,10 +181,11 @@ int DTDMessage::doParse(std::size_t start, std::size_t end)
 // Parses an ELEMENT from the end of its keyword on: a name up to the first space or '(', then the content model.
 int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 {
-    const std::size_t nameStart = std::min(text->nameStart.from(start), end);
-    const std::size_t nameEnd = std::min(text->nameEnd.from(nameStart), end);
-    if (nameStart == end)
+    const std::string_view upToEnd = text->whole.substr(0, end);
+    const std::size_t nameStart = kDtdBlank.out(upToEnd, start);
+    if (nameStart == kNowhere)
         return 1;
+    const std::size_t nameEnd = std::min(kNameEnd.in(upToEnd, nameStart), end);
     const std::string_view name = kDtdBlank.trim(text->whole.substr(nameStart, nameEnd - nameStart));
     if (mainType.empty() && name.size() > kMaxMainType)
         return refuse(text->whole.substr(start, end - start),
@@ -195,7 +195,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     DTDElement& element = addPiece(name, nullptr);
     const bool isNew = std::exchange(text->lastElement, start) != start;
     // The word may also be a name in another declaration.
-    const bool isStatement = text->whole.substr(start - kKeywordLength - 2, 2) == "<!";
+    const bool isStatement = text->whole.substr(start - kElement.size() - 2, 2) == "<!";
     if (isNew && isStatement && name.empty()) // a group of names, as in SGML
         report.add(SourceReport::malformedDeclaration, text->places.at(nameStart), "ELEMENT without a name");
     else if (isNew && isStatement && std::exchange(element.hasStatement, true))
@@ -213,20 +213,19 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
 }
 
 // Returns true if the first piece of the content model is empty or declares text content.
-bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end)
+bool DTDMessage::holdsTextOnly(std::size_t open, std::size_t end) const
 {
     const DTDGroups::Close* const close = text->groups.lastBetween(open, end);
-    const std::size_t contentEnd = close ? close->at : end;
-    const std::string_view whole = text->whole;
-    const std::size_t first = text->firstInModel.from(open + 1);
-    if (first >= contentEnd || whole[first] == ',')
+    const std::string_view upToEnd = text->whole.substr(0, close ? close->at : end);
+    const std::size_t first = kDtdBlank.out(upToEnd, open + 1);
+    if (first == kNowhere || upToEnd[first] == ',')
         return true;
     // Only the first piece up to a ',' counts: "(#PCDATA | a)*" contains more than text, so `a` becomes a field.
     for (const std::string_view keyword : {kPcdata, kCdata}) {
-        if (whole.substr(first, keyword.size()) != keyword || first + keyword.size() > contentEnd)
+        if (upToEnd.substr(first, keyword.size()) != keyword)
             continue;
-        const std::size_t next = text->afterTextKeyword.from(first + keyword.size());
-        return next >= contentEnd || whole[next] == ',';
+        const std::size_t next = kDtdBlank.out(upToEnd, first + keyword.size());
+        return next == kNowhere || upToEnd[next] == ',';
     }
     return false;
 }

@@ -121,19 +121,12 @@ private:
         modOptional = 4
     };
 
-    // The state of one parse. Positions of keywords, and of what follows them, grow from statement to statement, so one
-    // forward search of each kind serves all statements.
+    // The state of one parse.
     struct Text
     {
         explicit Text(std::string_view whole) : whole(whole) {}
 
         std::string_view whole;
-        ForwardSearch<findElementKeyword> elementKeyword{whole};
-        ForwardSearch<findAttlistKeyword> attlistKeyword{whole};
-        ForwardSearch<skipWhitespace> nameStart{whole};
-        ForwardSearch<findNameEnd> nameEnd{whole};
-        ForwardSearch<skipWhitespace> firstInModel{whole};
-        ForwardSearch<skipWhitespace> afterTextKeyword{whole};
         DTDGroups groups{whole};
         DTDRepetitions repetitions{whole};
         ProgressMeter meter{Work::reading, whole.size(), 1024}; // in bytes; reports after 1,024 statements and names
@@ -150,7 +143,7 @@ private:
     std::size_t endFrom(std::size_t start, std::size_t from) const;
     int doParse(std::size_t start, std::size_t end);
     int doParseElement(std::size_t start, std::size_t end);
-    bool holdsTextOnly(std::size_t open, std::size_t end);
+    bool holdsTextOnly(std::size_t open, std::size_t end) const;
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);
     void doParseAttlist(std::size_t start, std::size_t end);

@@ -5,65 +5,17 @@
 #include "Base/Utf8.h"
 
 #include <algorithm>
-#include <array>
 
-namespace {
-
-// Returns, by the character under the pattern's last place, how far the pattern can be moved on (Horspool's algorithm).
-constexpr std::array<unsigned char, 256> shiftsOf(std::string_view word)
-{
-    std::array<unsigned char, 256> shifts{};
-    shifts.fill(static_cast<unsigned char>(word.size()));
-    for (std::size_t i = 0; i + 1 < word.size(); ++i) {
-        const auto shift = static_cast<unsigned char>(word.size() - 1 - i);
-        shifts[static_cast<unsigned char>(word[i])] = shift;
-        shifts[static_cast<unsigned char>(word[i] - 'A' + 'a')] = shift;
-    }
-    return shifts;
-}
-
-// Returns the position of `word`, given in upper case, in any letter case; kNowhere if there is none. Searches cover
-// nearly the whole text, because each one looks for the next keyword anywhere. Shifting by the last character skips
-// most bytes.
-std::size_t findWord(std::string_view text, std::size_t from, std::string_view word,
-                     const std::array<unsigned char, 256>& shifts)
+std::size_t DTDKeyword::behind(std::string_view text, std::size_t from) const
 {
     const std::size_t last = word.size() - 1;
     for (std::size_t at = from; at < text.size() && text.size() - at > last;) {
         if (std::equal(word.begin(), word.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
                        [](char a, char b) { return a == upperAscii(b); }))
-            return at;
+            return at + word.size();
         at += shifts[static_cast<unsigned char>(text[at + last])];
     }
     return kNowhere;
-}
-
-constexpr std::string_view kElement = "ELEMENT", kAttlist = "ATTLIST";
-constexpr std::array<unsigned char, 256> kElementShifts = shiftsOf(kElement);
-constexpr std::array<unsigned char, 256> kAttlistShifts = shiftsOf(kAttlist);
-
-} // namespace
-
-std::size_t findElementKeyword(std::string_view text, std::size_t from)
-{
-    return findWord(text, from, kElement, kElementShifts);
-}
-
-std::size_t findAttlistKeyword(std::string_view text, std::size_t from)
-{
-    return findWord(text, from, kAttlist, kAttlistShifts);
-}
-
-std::size_t skipWhitespace(std::string_view text, std::size_t from)
-{
-    return kDtdBlank.out(text, from);
-}
-
-// Other white space belongs to the name; the caller trims its ends.
-std::size_t findNameEnd(std::string_view text, std::size_t from)
-{
-    static constexpr CharSet ends(" (");
-    return ends.in(text, from);
 }
 
 // The first call builds the whole index, because later calls may have any offset.

@@ -2,6 +2,7 @@
 
 #include "Import/SourceReport.h"
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -70,29 +71,29 @@ inline std::string_view dtdNameAt(std::string_view text)
 /// element. Stops at the end of the declaration, or at the first part that is not XML.
 std::vector<std::string_view> attributesOf(std::string_view attlist);
 
-/// A search whose starting positions only grow. Text between the last start and the last match is never searched again,
-/// so all searches together are linear. `Search(text, from)` returns a position or kNowhere. The text must outlive the
-/// search.
-template <auto Search>
-class ForwardSearch
+/// A keyword, found in any letter case by Horspool's algorithm, which skips most of the text.
+class DTDKeyword
 {
 public:
-    explicit ForwardSearch(std::string_view text) : text(text) {}
-
-    /// Returns the first match at `start` or after it, or kNowhere. `start` must not be less than in the last call.
-    std::size_t from(std::size_t start)
+    /// `word` is in upper case, and must outlive this object.
+    constexpr explicit DTDKeyword(std::string_view word) : word(word)
     {
-        if (!searched || found < start) {
-            found = Search(text, start);
-            searched = true;
+        shifts.fill(static_cast<unsigned char>(word.size()));
+        for (std::size_t i = 0; i + 1 < word.size(); ++i) {
+            const auto shift = static_cast<unsigned char>(word.size() - 1 - i);
+            shifts[static_cast<unsigned char>(word[i])] = shift;
+            shifts[static_cast<unsigned char>(word[i] - 'A' + 'a')] = shift;
         }
-        return found;
     }
 
+    constexpr std::size_t size() const { return word.size(); }
+
+    /// Returns the position after the keyword at `from` or after it; kNowhere if there is none.
+    std::size_t behind(std::string_view text, std::size_t from) const;
+
 private:
-    std::string_view text;
-    std::size_t found = 0;
-    bool searched = false;
+    std::string_view word;
+    std::array<unsigned char, 256> shifts{}; // by the character under the word's last place: how far to move on
 };
 
 /// Converts offsets in a text to lines and columns. Both count from 1, columns in bytes. Lines are indexed on the first
@@ -161,13 +162,3 @@ private:
     std::vector<Group> groups; // sorted by `open`
     std::vector<Close> closes; // sorted by `at`
 };
-
-/// Return the position of a keyword from `from` on, in any letter case; kNowhere if there is none.
-std::size_t findElementKeyword(std::string_view text, std::size_t from);
-std::size_t findAttlistKeyword(std::string_view text, std::size_t from);
-
-/// Returns the first character from `from` on that is not white space, or kNowhere.
-std::size_t skipWhitespace(std::string_view text, std::size_t from);
-
-/// Returns the first space or '(' from `from` on, which ends the name of an element, or kNowhere.
-std::size_t findNameEnd(std::string_view text, std::size_t from);
