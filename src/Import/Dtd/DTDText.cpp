@@ -18,24 +18,15 @@ std::size_t DTDKeyword::behind(std::string_view text, std::size_t from) const
     return kNowhere;
 }
 
-// The first call builds the whole index, because later calls may have any offset.
 SourcePlace TextPlaces::at(std::size_t offset)
 {
-    // Returns the line of `end`, given that of `from`.
-    const auto lineAt = [this](std::size_t end, std::size_t from, Line line) {
-        const std::string_view before = text.substr(0, end);
-        for (std::size_t feed = before.find('\n', from); feed != kNowhere; feed = before.find('\n', feed + 1))
-            line = {feed + 1, line.number + 1};
-        return line;
-    };
-    if (lines.empty())
-        lines.push_back({text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0, 1});
-    // The entry of a block continues from the one before, so building the index takes one pass.
-    for (std::size_t end = lines.size() * kBlock; end <= text.size(); end += kBlock)
-        lines.push_back(lineAt(end, end - kBlock, lines.back()));
-    const std::size_t block = offset / kBlock;
-    const Line line = lineAt(offset, block * kBlock, lines[block]);
-    return {0, line.number, static_cast<std::uint32_t>(offset - line.start + 1)};
+    if (lines.empty()) {
+        lines.push_back(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+        for (std::size_t feed = text.find('\n'); feed != kNowhere; feed = text.find('\n', feed + 1))
+            lines.push_back(feed + 1);
+    }
+    const auto behind = std::ranges::upper_bound(lines, offset);
+    return {0, static_cast<std::uint32_t>(behind - lines.begin()), static_cast<std::uint32_t>(offset - behind[-1] + 1)};
 }
 
 // One pass. A mark belongs to every ')' since the last separator or mark, whatever parentheses are between: in

@@ -97,28 +97,19 @@ private:
 };
 
 /// Converts offsets in a text to lines and columns. Both count from 1, columns in bytes. Lines are indexed on the first
-/// call, so a text without reports costs nothing. A call then searches at most one block.
+/// call, so a text without reports costs nothing.
 class TextPlaces
 {
 public:
     /// The text must outlive this object.
     explicit TextPlaces(std::string_view text) : text(text) {}
 
-    /// Returns the place of an offset, in file 0 of the report.
+    /// Returns the place of an offset, in file 0 of the report. The offset is not inside a byte order mark.
     SourcePlace at(std::size_t offset);
 
 private:
-    // The line in which a block of the text begins.
-    struct Line
-    {
-        std::size_t start;
-        std::uint32_t number;
-    };
-
-    static constexpr std::size_t kBlock = 1024; // bytes; an index of all lines took 8 bytes for each
-
     std::string_view text;
-    std::vector<Line> lines; // by block
+    std::vector<std::size_t> lines; // where each begins
 };
 
 /// The parentheses of a text, matched once for all its content models. Statements of the literal reading may overlap,
