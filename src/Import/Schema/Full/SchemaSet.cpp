@@ -401,29 +401,17 @@ bool SchemaSet::holdsElements(Index derivation) const
     return tree.childOf(derivation, SchemaTag::element) != 0 || (group != 0 && tree[group].firstChild != 0);
 }
 
-// Repetitions are removed whenever the list has doubled, so memory stays proportional to the different notes.
 void SchemaSet::note(SourceReport::Construct construct, Index node, NameTable::Id name)
 {
     if (construct == SourceReport::unresolvedContent && SchemaTree::isSoapEncoding(tree[node].reference.space) &&
         holdsElements(node))
         return; // an array that declares its items
-    notes.emplace_back(node, construct, name);
-    if (notes.size() < manyNotes)
-        return;
-    sortNotes();
-    manyNotes = std::max(manyNotes, 2 * notes.size());
-}
-
-void SchemaSet::sortNotes()
-{
-    std::ranges::sort(notes);
-    notes.erase(std::unique(notes.begin(), notes.end()), notes.end());
+    notes.emplace(node, construct, name);
 }
 
 // Passes the notes to the report in the order of nodes. It only needs their components while it holds constructs back.
 void SchemaSet::reportNotes()
 {
-    sortNotes();
     const std::vector<Index> components = report.isHolding() ? findComponents() : std::vector<Index>();
     for (const auto& [node, construct, name] : notes) {
         const bool isReference =

@@ -234,7 +234,6 @@ private:
     void collectMembers();
     std::vector<std::uint32_t> includedDocuments(std::uint32_t document) const;
     bool holdsElements(Index derivation) const;
-    void sortNotes();
     void markReached(Index component);
     std::vector<Index> findComponents() const;
 
@@ -270,6 +269,5 @@ private:
     std::vector<bool> reached;                             // by node; empty until recordReached()
     std::unordered_set<NameTable::Id> reachedMessages;     // those of WSDLs, by name
     bool areMessagesReached = false;                       // all of them
-    std::vector<Note> notes;
-    std::size_t manyNotes = 100'000; // from this size on repetitions are removed
+    std::set<Note> notes;
 };
