@@ -214,17 +214,6 @@ void SchemaTypes::addCandidate(Index component, SourceTypes::Index source)
     candidates.push_back(component);
 }
 
-// Returns the index in SourceTypes of the namespace of a node's document.
-SourceTypes::Index SchemaTypes::spaceOf(Index node)
-{
-    const NameTable::Id uri = tree.documentOf(node).space;
-    if (uri >= spaces.size())
-        spaces.resize(std::max<std::size_t>(uri + 1, tree.names.size()));
-    if (spaces[uri] == 0)
-        spaces[uri] = types.spaceOf(tree.text(uri)) + 1;
-    return spaces[uri] - 1;
-}
-
 // Reads the fields of a record: the text, then elements, then attributes. The description of a field is that of its
 // reference, else of the declaration, else of the type.
 void SchemaTypes::readFields(Pending record)

@@ -71,7 +71,7 @@ private:
     void readPending();
     void readComponent(Index component, SourceTypes::Index source);
     void addCandidate(Index component, SourceTypes::Index source);
-    SourceTypes::Index spaceOf(Index node);
+    SourceTypes::Index spaceOf(Index node) { return types.spaceOf(tree.text(tree.documentOf(node).space)); }
     void readFields(Pending pending);
     SourceTypes::Index choiceOf(const Declared& type, Index declaration);
     void readChoice(SourceTypes::Index choice);
@@ -105,7 +105,6 @@ private:
     // Copies of names and documentation in `types`, by number; empty if not yet copied.
     std::vector<std::string_view> keptNames;
     std::vector<std::string_view> keptDocumentations;
-    std::vector<SourceTypes::Index> spaces; // by number of the URI: the index + 1; 0 if not yet known
     // Parts of the record or enumeration being read. They are members so that their memory is reused.
     std::vector<SchemaField> copiedFields;
     std::vector<SourceTypes::Field> fields;
