@@ -45,15 +45,14 @@ bool isWsdlNamespace(std::string_view uri)
 }
 
 WsdlReader::WsdlReader(SchemaTree& tree, SourceReport& report) :
-    tree(tree), report(report), document(static_cast<std::uint32_t>(tree.documents.size() - 1)),
-    schema(std::make_unique<SchemaReader>(tree, report))
+    tree(tree), report(report), document(static_cast<std::uint32_t>(tree.documents.size() - 1))
 {}
 
 void WsdlReader::startElement(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
-    if (schema && depth > 0) {
+    if (depth > 0) {
         ++depth;
-        return schema->startElement(name, attributes, scope);
+        return schemas.back().startElement(name, attributes, scope);
     }
     const std::string_view local = name.local;
     if (open.empty())
@@ -102,31 +101,28 @@ SchemaDocument& WsdlReader::addDocument()
     return made;
 }
 
-// Starts a schema. Inside a WSDL it inherits the prefixes declared around it.
+// Starts a schema, which inherits the prefixes declared around it.
 void WsdlReader::beginSchema(XmlName name, XmlAttributes attributes, const XmlScope& scope)
 {
-    if (isWsdl) {
+    // Each schema reads all prefixes around it, so their product is bounded.
+    replayed += declared.size();
+    if (replayed > kMaxReplayed)
+        throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
+    if (isWsdl)
         addDocument();
-        // Each schema reads all prefixes around it, so their product is bounded.
-        replayed += declared.size();
-        if (replayed > kMaxReplayed)
-            throw XmlRefusal{"more than " + std::to_string(kMaxReplayed) + " prefixes around the schemas of a WSDL"};
-        schema = std::make_unique<SchemaReader>(tree, report);
-        for (const XmlNamespace& outer : declared)
-            schema->bind(outer);
-    }
+    SchemaReader& schema = schemas.emplace_back(tree, report);
+    for (const XmlNamespace& outer : declared)
+        schema.bind(outer);
     depth = 1;
-    schema->startElement(name, attributes, scope);
+    schema.startElement(name, attributes, scope);
 }
 
 void WsdlReader::endElement()
 {
     if (depth > 0) {
-        schema->endElement();
-        if (--depth == 0 && isWsdl) {
+        schemas.back().endElement();
+        if (--depth == 0)
             tree.documents.back().end = static_cast<Index>(tree.size());
-            finished.push_back(std::move(schema));
-        }
         return;
     }
     declared.resize(open.back());
@@ -136,13 +132,13 @@ void WsdlReader::endElement()
 void WsdlReader::text(std::string_view text)
 {
     if (depth > 0)
-        schema->text(text);
+        schemas.back().text(text);
 }
 
 void WsdlReader::entityLeftOut(std::string_view name, XmlPlace place)
 {
     if (depth > 0)
-        schema->entityLeftOut(name, place);
+        schemas.back().entityLeftOut(name, place);
 }
 
 // Reads a statement of WSDL by its level: 1 is the root, 2 its children. A part is only read in a message, and
@@ -262,14 +258,10 @@ SchemaName WsdlReader::resolve(std::string_view qualified) const
 
 void WsdlReader::finish()
 {
+    for (SchemaReader& schema : schemas)
+        schema.finish();
     if (!isWsdl)
-        finished.push_back(std::move(schema));
-    for (const auto& reader : finished)
-        reader->finish();
-    if (!isWsdl) {
-        tree.documents[document].end = static_cast<Index>(tree.size());
         return;
-    }
     // The file of a WSDL is not a schema itself; its schemas are documents of their own.
     tree.documents[document].end = tree.documents[document].root = 0;
     makeMessages();

@@ -2,7 +2,7 @@
 
 #include "Import/Schema/Full/SchemaReader.h"
 
-#include <memory>
+#include <deque>
 #include <span>
 #include <unordered_set>
 
@@ -108,11 +108,9 @@ private:
     SchemaTree& tree;
     SourceReport& report;
     const std::uint32_t document;
-    std::unique_ptr<SchemaReader> schema; // the open schema of a WSDL, or that of the whole file
-    std::size_t replayed = 0;             // prefixes passed on to schemas
-    std::size_t depth = 0;                // open elements inside the schema
-    // The readers of complete schemas, kept for their findings until finish().
-    std::vector<std::unique_ptr<SchemaReader>> finished;
+    std::deque<SchemaReader> schemas; // those of a WSDL, or the whole file; they keep their findings until finish()
+    std::size_t replayed = 0;         // prefixes passed on to schemas
+    std::size_t depth = 0;            // open elements inside the last schema; 0 if it has ended
     bool isWsdl = false;
     std::string_view section;           // the statement of level 2 that is open; empty if it isn't of WSDL
     std::vector<std::size_t> open;      // for each element around schemas, the declarations before it
