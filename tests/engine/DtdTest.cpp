@@ -38,6 +38,7 @@ const Case kDtds[] = {
     {"CommentLeftOpenEndsTheScan", "<!ELEMENT x (a)><!-- <!ELEMENT x (b)>", "x:R(a:S)"},
     {"EndsBehindStartsAreSoughtAgain", ">>> <!ELEMENT x (a)>", "x:R(a:S)"},
     {"EndOfACommentBehindItsStart", "-->> <!-- c --><!ELEMENT x (a)>", "x:R(a:S)"},
+    {"StatementWithoutItsMarkAtTheStart", "<ELEMENT x (a)>", "x:R(a:S)"},
     {"StartsDriftAhead", "< <!ELEMENT x (a)><!ELEMENT y (b)>",
      "t_a:t=String(a:S=String) x:R(t_a:t=String ><!ELEMENT y:S b:S)"},
     {"TooFewParentheses", "<!ELEMENT x (a, (b, (c)>", "x:R(a:S b:S c:S)"},

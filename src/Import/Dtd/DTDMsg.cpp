@@ -195,7 +195,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     DTDElement& element = addPiece(name, nullptr);
     const bool isNew = std::exchange(text->lastElement, start) != start;
     // The word may also be a name in another declaration.
-    const bool isStatement = text->whole.substr(start - kElement.size() - 2, 2) == "<!";
+    const bool isStatement = text->whole.substr(0, start - kElement.size()).ends_with("<!");
     if (isNew && isStatement && name.empty()) // a group of names, as in SGML
         report.add(SourceReport::malformedDeclaration, text->places.at(nameStart), "ELEMENT without a name");
     else if (isNew && isStatement && std::exchange(element.hasStatement, true))
