@@ -117,36 +117,26 @@ void SchemaReader::makeArray(XmlAttributes attributes)
         item.occurs = 2;
         tree.nodes.back() = item;
         for (std::size_t rank = 1; rank < std::min(ranks, kMaxRanks); ++rank)
-            holdInLast(item);
+            holdInLast(item.name);
         tree.nodes.back().reference = resolve(value.substr(0, sizes));
     }
 }
 
-// Gives the last element an anonymous type with one element, `item`, which then is the last node. An array of arrays
-// has one such type for each further rank.
-void SchemaReader::holdInLast(SchemaNode item)
+// Gives the last element an anonymous type with one repeated element of that name, which then is the last node. An
+// array of arrays has one such type for each further rank.
+void SchemaReader::holdInLast(NameTable::Id name)
 {
-    for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element}) {
-        const auto place = static_cast<Index>(tree.nodes.size());
-        SchemaNode node = item;
-        node.tag = tag;
-        node.parent = place - 1;
-        node.next = 0;
-        node.name = tag == SchemaTag::element ? item.name : 0;
-        node.occurs = tag == SchemaTag::element ? item.occurs : 1;
-        tree.nodes.back().firstChild = place;
-        tree.nodes.push_back(node);
-    }
+    for (const SchemaTag tag : {SchemaTag::complexType, SchemaTag::sequence, SchemaTag::element})
+        tree.add(tag, document, statements.place(), static_cast<Index>(tree.size() - 1));
+    tree.nodes.back().name = name;
+    tree.nodes.back().occurs = 2;
 }
 
 void SchemaReader::enter(SchemaTag tag, XmlName name, std::size_t shadowedBefore)
 {
-    const auto place = static_cast<Index>(tree.nodes.size());
-    SchemaNode& node = tree.nodes.emplace_back();
-    node.tag = tag;
-    node.line = statements.place().line;
-    node.column = statements.place().column;
-    node.document = document;
+    const Level around = open.empty() ? Level() : open.back();
+    const Index place = tree.add(tag, document, statements.place(), around.node, around.lastChild);
+    SchemaNode& node = tree.nodes[place];
     if (tag == SchemaTag::element || tag == SchemaTag::complexType)
         node.flags = tree.documents[document].blocks;
     else if (tag == SchemaTag::redefine && name.local == std::string_view("override"))
@@ -160,14 +150,7 @@ void SchemaReader::enter(SchemaTag tag, XmlName name, std::size_t shadowedBefore
             readAttribute(node, attribute);
     }
     node.occurs = statements.mayRepeat() ? 2 : statements.mayOccur() ? 1 : 0;
-    if (open.empty()) {
-        tree.documents[document].root = place;
-    } else {
-        Level& parent = open.back();
-        node.parent = parent.node;
-        (parent.lastChild == 0 ? tree.nodes[parent.node].firstChild : tree.nodes[parent.lastChild].next) = place;
-        parent.lastChild = place;
-    }
+    (open.empty() ? tree.documents[document].root : open.back().lastChild) = place;
     open.push_back({place, 0, shadowedBefore, false});
 }
 

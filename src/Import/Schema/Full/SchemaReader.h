@@ -53,7 +53,7 @@ private:
 
     void enter(SchemaTag tag, XmlName name, std::size_t shadowedBefore);
     void makeArray(XmlAttributes attributes);
-    void holdInLast(SchemaNode item);
+    void holdInLast(NameTable::Id name);
     void startOther(SchemaTag tag, std::size_t shadowedBefore);
     void readAttribute(SchemaNode& node, const SchemaStatements::Attribute& attribute);
     void readRootAttribute(const SchemaStatements::Attribute& attribute);

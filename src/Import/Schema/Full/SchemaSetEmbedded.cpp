@@ -131,19 +131,9 @@ std::optional<std::uint32_t> SchemaSet::loadReferred(const Embedded& schema)
 {
     beginDocument(schema.folder, schema.place.file);
     const auto document = static_cast<std::uint32_t>(tree.documents.size() - 1);
-    const auto root = static_cast<Index>(tree.size()), import = root + 1;
-    SchemaNode node;
-    node.line = schema.place.line;
-    node.column = schema.place.column;
-    node.document = document;
-    node.tag = SchemaTag::schema;
-    node.firstChild = import;
-    tree.nodes.push_back(node);
-    node.tag = SchemaTag::import;
-    node.firstChild = 0;
-    node.parent = root;
-    node.name = tree.names.intern(schema.text);
-    tree.nodes.push_back(node);
+    const Index root = tree.add(SchemaTag::schema, document, schema.place, 0);
+    const Index import = tree.add(SchemaTag::import, document, schema.place, root);
+    tree.nodes[import].name = tree.names.intern(schema.text);
     tree.documents.back().root = root;
     tree.documents.back().end = import + 1;
     followAll(document);

@@ -51,6 +51,22 @@ bool SchemaTree::areEqual(Index one, Index other) const
     }
 }
 
+SchemaTree::Index SchemaTree::add(SchemaTag tag, std::uint32_t document, SourcePlace place, Index parent, Index before)
+{
+    const auto at = static_cast<Index>(nodes.size());
+    SchemaNode& node = nodes.emplace_back();
+    node.tag = tag;
+    node.parent = parent;
+    node.line = place.line;
+    node.column = place.column;
+    node.document = document;
+    if (before != 0)
+        nodes[before].next = at;
+    else if (parent != 0)
+        nodes[parent].firstChild = at;
+    return at;
+}
+
 std::uint32_t SchemaTree::adopt(std::uint32_t document, NameTable::Id space)
 {
     // A copy, because push_back() below may move the documents.

@@ -3,6 +3,7 @@
 #include "Base/LargePages.h"
 #include "Base/NameTable.h"
 #include "Import/Schema/SchemaGrammar.h"
+#include "Import/SourceReport.h"
 
 #include <algorithm>
 #include <optional>
@@ -187,6 +188,10 @@ public:
 
     /// Returns true for the namespaces of the encodings of SOAP 1.1 and 1.2.
     static bool isSoapEncoding(NameTable::Id space) { return space == 6 || space == 7; }
+
+    /// Adds a node as the sibling after `before`, else as the first child of `parent`; 0 means none. Nodes of a
+    /// document must be added in its order, without those of others between them.
+    Index add(SchemaTag tag, std::uint32_t document, SourcePlace place, Index parent, Index before = 0);
 
     /// Removes all nodes from `first` on, of a document that turned out to be unreadable. The document itself stays.
     void dropFrom(Index first)

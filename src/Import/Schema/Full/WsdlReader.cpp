@@ -293,13 +293,15 @@ void WsdlReader::makeMessages()
 // Makes an element with an anonymous type that is a sequence of the parts. Returns the element.
 WsdlReader::Index WsdlReader::makeMessage(std::span<const Part> own, NameTable::Id name)
 {
-    const Index element = addNode(SchemaTag::element, 0, 0, own.front());
+    const auto made = static_cast<std::uint32_t>(tree.documents.size() - 1);
+    const SourcePlace place = own.front().place;
+    const Index element = tree.add(SchemaTag::element, made, place, 0);
     tree.nodes[element].name = name;
-    const Index type = addNode(SchemaTag::complexType, element, 0, own.front());
-    const Index sequence = addNode(SchemaTag::sequence, type, 0, own.front());
+    const Index type = tree.add(SchemaTag::complexType, made, place, element);
+    const Index sequence = tree.add(SchemaTag::sequence, made, place, type);
     Index last = 0;
     for (const Part& part : own) {
-        last = addNode(SchemaTag::element, sequence, last, part);
+        last = tree.add(SchemaTag::element, made, part.place, sequence, last);
         SchemaNode& node = tree.nodes[last];
         const bool isReference = part.type.local == 0;
         node.name = isReference ? 0 : part.name;
@@ -307,23 +309,4 @@ WsdlReader::Index WsdlReader::makeMessage(std::span<const Part> own, NameTable::
         node.flags = isReference ? SchemaNode::isReference : 0;
     }
     return element;
-}
-
-// Adds a node of the last document at the place of a part: as the sibling after `before`, else as the first child of
-// `parent`; 0 means none.
-WsdlReader::Index WsdlReader::addNode(SchemaTag tag, Index parent, Index before, const Part& part)
-{
-    SchemaNode node;
-    node.tag = tag;
-    node.parent = parent;
-    node.line = part.place.line;
-    node.column = part.place.column;
-    node.document = static_cast<std::uint32_t>(tree.documents.size() - 1);
-    const auto at = static_cast<Index>(tree.size());
-    tree.nodes.push_back(node);
-    if (before != 0)
-        tree.nodes[before].next = at;
-    else if (parent != 0)
-        tree.nodes[parent].firstChild = at;
-    return at;
 }

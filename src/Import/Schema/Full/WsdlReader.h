@@ -102,7 +102,6 @@ private:
     void readContent(std::string_view local, XmlAttributes attributes, SourcePlace place);
     void makeMessages();
     Index makeMessage(std::span<const Part> own, NameTable::Id name);
-    Index addNode(SchemaTag tag, Index parent, Index before, const Part& part);
     SchemaName resolve(std::string_view qualified) const;
 
     SchemaTree& tree;
