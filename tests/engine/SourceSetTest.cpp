@@ -263,6 +263,8 @@ TEST_F(OpenApiSets, AreOneImport)
               "'h#/e1'}}}, E: {$ref: 'h#/e1'}}}\n"},
         {"g", "title: G\nproperties: {x: {}}\n"},
         {"h", "e1: {enum: [x]}\n"},
+        {"i", "openapi: 3.0.0\ncomponents: {schemas: {I: {$ref: 'j#/P'}, Q: {properties: {k: {}}}}}\n"},
+        {"j", "P: {properties: {k: {}}, discriminator: {propertyName: k, mapping: {q: Q, n: No}}}\n"},
         {"s", "openapi: 3.0.0\ncomponents: {schemas: {S: {properties: {v: {}}}}}\n"},
     };
     const Row rows[] = {
@@ -277,6 +279,10 @@ TEST_F(OpenApiSets, AreOneImport)
     EXPECT_EQ(message.parseFile(folder.path("a"), ""), 0);
     EXPECT_THAT(boxes.take(),
                 testing::ElementsAre(folder.path("e") + ": it is neither an OpenAPI nor an AsyncAPI document."));
+    // A mapping in a part names schemas of any document.
+    message.setFurtherFiles({});
+    EXPECT_EQ(message.parseFile(folder.path("i"), ""), 1);
+    EXPECT_EQ(message.queryReport().lossesInWords(), "1 loss: 1 reference became text");
 }
 
 TEST_F(OpenApiSets, HaveSchemasInXml)

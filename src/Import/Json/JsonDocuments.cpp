@@ -358,6 +358,14 @@ CString JsonDocuments::nameOf(Index node) const
     return CString(stemOf(report.fileNameOf(tree[node].place.file)));
 }
 
+bool JsonDocuments::hasDefinition(std::string_view name) const
+{
+    return std::ranges::any_of(documents, [&](const Document& document) {
+        return std::ranges::any_of(definitionsOf(document.root),
+                                   [&](Index holder) { return tree.find(holder, name) != 0; });
+    });
+}
+
 bool JsonDocuments::isDeclared(Index schema) const
 {
     const Index parent = tree[schema].parent;

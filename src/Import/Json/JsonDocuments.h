@@ -56,6 +56,9 @@ public:
                 tree.find(tree.find(root, JsonWord::components), JsonWord::schemas)};
     }
 
+    /// Returns whether one of the documents read so far has a definition of that name.
+    bool hasDefinition(std::string_view name) const;
+
     /// Returns whether a node was made by a reader: it has no parent, but is not the root of a document.
     bool isMade(Index node) const { return tree[node].parent == 0 && rootOf(node) != node; }
 

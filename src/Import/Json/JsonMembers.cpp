@@ -153,12 +153,12 @@ void JsonContents::overrideDiscriminator(Frame& frame)
     frame.members[*frame.positions.find(field.name)] = {field, {}};
 }
 
-// Reports a value of a mapping that leads nowhere. It is the name of a schema, or a reference.
+// Reports a value of a mapping that leads nowhere. It is the name of a schema, in any document of the set, or a
+// reference.
 void JsonContents::checkMapped(Index value)
 {
     const std::string_view name = tree.text(tree.target(value));
-    const bool isName = std::ranges::any_of(documents.definitionsOf(documents.rootOf(value)),
-                                            [&](Index holder) { return tree.find(holder, name) != 0; });
+    const bool isName = documents.hasDefinition(name);
     if (!tree.is(tree.target(value), JsonNode::string))
         documents.note(SourceReport::invalidValue, value, tree.key(value));
     else if (!isName && name.find_first_of("#/.") == name.npos)
