@@ -107,15 +107,9 @@ TEST(SourcePage, BrowsesFromTheFolderOfTheFile)
 
     desk.click("back");
     const std::string start = desk.dir.path("start");
-    const std::string in = desk.dir.path("in"), both = '"' + desk.source + "\" \"" + in + "/x\"";
-    const std::tuple<std::string, std::string, std::string, std::string> browsed[] = {
-        {"order.dtd", "order.dtd", in, in},
-        {"../in/order.dtd", desk.source, in, in}, // relative to that folder before
-        {"\"../in/order.dtd\" \"x\"", both, in, in},
-        {"/order.dtd", "/order.dtd", "/", "/"},
-        {"/no/such/order.dtd", "/no/such/order.dtd", "/no/such", start}};
-    for (const auto& [typed, file, folder, current] : browsed) {
-        desk.type(IDC_INPUT_FILE, typed);
+    for (const auto& [file, folder, current] :
+         {std::tuple{"/order.dtd", "/", std::string("/")}, {"/no/such/order.dtd", "/no/such", start}}) {
+        desk.type(IDC_INPUT_FILE, file);
         answerFileDialog("");
         desk.press(IDC_BROWSE);
         EXPECT_EQ(desk.text(IDC_INPUT_FILE), file);

@@ -7,7 +7,6 @@
 #include "Ui/PlainText.h"
 #include "Ui/UiText.h"
 #include "Ui/WizardSheet.h"
-#include "Wizard/Run/SourceList.h"
 
 #include <QDropEvent>
 #include <QFrame>
@@ -109,18 +108,14 @@ void FilePage::OnPickfile()
     fileCombo->setFocus(); // Return then continues instead of browsing again
 }
 
-// Sets the folder from the file name, if that has a path. The field keeps the path; a relative one becomes absolute,
-// because it would not lead to the file from the new folder. A file in the root has the folder "/".
+// Sets the folder from the file name, if that has a path. The field keeps the path. A file in the root has the folder
+// "/".
 void FilePage::takeFile(const CString& chosen)
 {
     fileName = chosen;
-    std::vector<CString> names = namedFiles();
-    if (names.front().find('/') != CString::npos) {
-        for (CString& name : names)
-            if (!name.starts_with('/'))
-                name = absoluteName(name);
-        fileName = textOfSources(names);
-        const CString folder = names.front().substr(0, std::max<std::size_t>(names.front().rfind('/'), 1));
+    const CString named = namedFile();
+    if (const std::size_t slash = named.rfind('/'); slash != CString::npos) {
+        const CString folder = named.substr(0, std::max<std::size_t>(slash, 1));
         if (whichFolder() == WizardRun::folderInput)
             wizard->options.setInputFolder(folder);
         else

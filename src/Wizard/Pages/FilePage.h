@@ -3,8 +3,6 @@
 #include "Wizard/Pages/QELPage.h"
 #include "Wizard/Run/WizardRun.h"
 
-#include <vector>
-
 class PathLabel;
 class QComboBox;
 class QFrame;
@@ -50,8 +48,8 @@ protected:
     /// takes the remaining height.
     void addRow(QWidget* row, bool isTall = false, int column = 0);
 
-    /// Returns the names in `fileName`. The folder of the first is shown after a file has been chosen.
-    virtual std::vector<CString> namedFiles() const { return {fileName}; }
+    /// Returns the name whose folder is shown after a file has been chosen.
+    virtual CString namedFile() const { return fileName; }
 
     QComboBox& combo() const { return *fileCombo; }
 

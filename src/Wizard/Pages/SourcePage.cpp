@@ -285,7 +285,7 @@ LRESULT SourcePage::OnWizardNext()
     return IDD_EDIT;
 }
 
-std::vector<CString> SourcePage::namedFiles() const
+CString SourcePage::namedFile() const
 {
     return sourcesIn(fileName);
 }
@@ -332,7 +332,7 @@ CString SourcePage::chooseFile()
 {
     const MsgUIDescriptor& importer = *wizard->message->queryDescriptor();
     const FileQuestion question = {loadText(IDS_SELECT_SOURCE), fileFilters(importer),
-                                   wizard->options.queryInputFolder(), namedFiles().front()};
+                                   wizard->options.queryInputFolder(), namedFile()};
     return readsSeveral(importer) ? textOfSources(chooseFilesToOpen(this, question)) : chooseFileToOpen(this, question);
 }
 

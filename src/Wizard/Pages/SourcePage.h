@@ -31,7 +31,7 @@ protected:
     WizardRun::WhichFolder whichFolder() const override { return WizardRun::folderInput; }
     CString chooseFile() override;
     void OnDrop(const QStringList& files) override;
-    std::vector<CString> namedFiles() const override;
+    CString namedFile() const override;
 
 private:
     QWidget* makeSetRow();
