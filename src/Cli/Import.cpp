@@ -40,15 +40,16 @@ CString basePathOf(const Arguments& arguments, MsgBase& importer)
     return path;
 }
 
-// Returns the type with this short name, else with this full name. Returns null, which has been reported, if there is
-// none, or if the types of several folders have the short name. The name may be in the encoding of the source.
+// Returns the first type with this short name, else that with this full name. Warns if types of several folders have
+// the short name; returns null, which has been reported, if none has either. The name may be in the encoding of the
+// source.
 Element* findType(MsgBase& message, const CString& asked, Diagnostics& diagnostics)
 {
     constexpr std::size_t shown = 5;
     const CString name = toXmlText(asked);
     const auto fullNameOf = [](const Element& type) { return type.queryPath() + type.queryName(); };
     Element* found = nullptr;
-    std::set<CString> fullNames;
+    std::set<CString> fullNames; // of the types with the short name
     message.beginEnum();
     while (Element* type = message.enumNext()) {
         const bool isShort = type->queryName() == name;
@@ -59,13 +60,13 @@ Element* findType(MsgBase& message, const CString& asked, Diagnostics& diagnosti
     }
     if (!found)
         diagnostics.error("there is no type called " + asked);
-    if (fullNames.size() <= 1)
-        return found;
-    CString words = "there are several types called " + asked;
-    for (const CString& fullName : fullNames)
-        words += (fullName == *fullNames.begin() ? ": " : ", ") + fullName;
-    diagnostics.error(words);
-    return nullptr;
+    if (fullNames.size() > 1) {
+        CString words;
+        for (const CString& fullName : fullNames)
+            words += (words.empty() ? "" : ", ") + fullName;
+        diagnostics.warning("several types are called " + asked + ": " + words + "; --type took " + fullNameOf(*found));
+    }
+    return found;
 }
 
 // Warns if the root element isn't named after the main type, because not every type name is an XML name. Types keep
