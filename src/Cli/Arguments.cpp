@@ -268,10 +268,11 @@ CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importe
         return "--catalog: " + word + " reads no catalogues";
     if (!arguments.full.entities.empty() && (!full || !full->setEntities({})))
         return "--entity: " + word + " has no parameter entities";
-    if (arguments.sources.size() > 1 && !message->setFurtherFiles({}))
+    const bool readsSeveral = message->setFurtherFiles({});
+    if (arguments.sources.size() > 1 && !readsSeveral)
         return word + " reads one source at a time" +
                (importer.hasFull() && !arguments.full.isWanted ? "; with --full it reads several" : "");
-    if (arguments.isRecursive && (!importer.readsFolders() || (importer.hasFull() && !full)))
+    if (arguments.isRecursive && !readsSeveral)
         return "--recursive" + (importer.hasFull() ? " requires --full" : ": " + word + " reads no folders");
     if (!arguments.logon.user.empty() && !arguments.usesBroker() && !importer.querySource().readsTables)
         return "--user has no effect without --create";

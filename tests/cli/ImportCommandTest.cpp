@@ -479,6 +479,10 @@ TEST_F(ImportCommand, AnswersExactly)
         {"$import a.xml --full", {2, "", mistake("--full: xml has no full reading")}},
         {"$import a.xml --root r", {2, "", mistake("--root: xml has no full reading")}},
         {"$import dtd r.dtd --recursive", {2, "", mistake("--recursive requires --full")}},
+        {"$import btd r.dtd --recursive", {2, "", mistake("--recursive: btd reads no folders")}},
+        {"mkdir -p xml/sub && echo '<r><a/></r>' >xml/sub/r.xml; $import xml xml --recursive -l; $import ./xml "
+         "--recursive -l",
+         {0, "\\sys\\xml\\r\\r\tr (Automatically created)\n\\sys\\xml\\r\\r\tr (Automatically created)\n", ""}},
         {"$import r.dtd -t x", {2, "", mistake("--table: dtd reads no tables")}},
         {"$import r.dtd --diff ''", {2, "", mistake("--diff: a name is missing")}},
         {"for i in - r.dtd; do XDG_DATA_HOME=. $import dtd $i --create local --overwrite ask <r.dtd; done",
