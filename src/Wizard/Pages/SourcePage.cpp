@@ -287,7 +287,7 @@ LRESULT SourcePage::OnWizardNext()
 
 CString SourcePage::namedFile() const
 {
-    return sourcesIn(fileName);
+    return sourcesIn(fileName).front();
 }
 
 // A longer text fits neither the field nor the settings.
