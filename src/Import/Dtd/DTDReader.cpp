@@ -162,13 +162,13 @@ bool DTDReader::readContent(bool& holdsText)
 // entity may have held the missing part.
 bool DTDReader::readGroup(bool& holdsText)
 {
-    CString connectors; // of the open groups; '(' as long as a group has none
+    std::size_t depth = 0;
     bool needsItem = true, isMalformed = false;
     const DTDTokens::Token& token = tokens->token();
     do {
         if (token.isEnd()) {
             noteMalformed(names.front());
-            for (; !connectors.empty(); connectors.pop_back())
+            for (; depth > 0; --depth)
                 model.endGroup(false);
             return true;
         }
@@ -177,8 +177,9 @@ bool DTDReader::readGroup(bool& holdsText)
         const bool isText = kind == DTDTokens::tokenReserved && isSameAscii(token.text, "PCDATA");
         const bool isItem = kind == DTDTokens::tokenWord || isText || mark == '(';
         const bool isConnector = mark == '|' || mark == ',' || mark == '&';
-        isMalformed |= !token.followsUnknown && (isItem ? !needsItem : needsItem || !(isConnector || mark == ')'));
-        isMalformed |= !token.followsUnknown && isConnector && connectors.back() != '(' && connectors.back() != mark;
+        const bool isInPlace = isItem ? needsItem : !needsItem && (isConnector || mark == ')');
+        const bool isOfGroup = !isConnector || connect(mark);
+        isMalformed |= !token.followsUnknown && !(isInPlace && isOfGroup);
         needsItem = mark == '(' || isConnector;
         if (kind == DTDTokens::tokenWord) {
             readChild();
@@ -186,33 +187,31 @@ bool DTDReader::readGroup(bool& holdsText)
         }
         holdsText |= isText;
         tokens->next();
-        readGroupMark(mark, connectors);
-    } while (!connectors.empty());
+        if (mark == '(') {
+            ++depth;
+            model.beginGroup(ContentModel::undecided);
+        } else if (mark == ')') {
+            --depth;
+            model.endGroup(readMark());
+        }
+    } while (depth > 0);
     if (isMalformed)
         noteMalformed(names.front());
     return true;
 }
 
-// The first connector of a group decides what it is, so each choice counts once.
-void DTDReader::readGroupMark(char mark, CString& connectors)
+// Takes a connector. The first one decides what its group is, so each choice counts once. Returns false if the group
+// has another one.
+bool DTDReader::connect(char connector)
 {
-    switch (mark) {
-    case '(':
-        connectors += mark;
-        return model.beginGroup(ContentModel::undecided);
-    case ')':
-        connectors.pop_back();
-        return model.endGroup(readMark());
-    case '|':
-    case '&':
-    case ',':
-        if (connectors.back() != '(')
-            return;
-        connectors.back() = mark;
-        model.decide(mark == '|' ? ContentModel::choice : ContentModel::sequence);
-        report.count(SourceReport::alternatives, mark == '|');
-        report.count(SourceReport::anyOrder, mark == '&');
-    }
+    const ContentModel::Group kind = connector == '|'   ? ContentModel::choice
+                                     : connector == '&' ? ContentModel::anyOrder
+                                                        : ContentModel::sequence;
+    const ContentModel::Group before = model.decide(kind);
+    const bool isFirst = before == ContentModel::undecided;
+    report.count(SourceReport::alternatives, isFirst && kind == ContentModel::choice);
+    report.count(SourceReport::anyOrder, isFirst && kind == ContentModel::anyOrder);
+    return isFirst || before == kind;
 }
 
 // An element that is never declared is reported at the first reference to it.

@@ -104,7 +104,7 @@ private:
     bool isReached(SourceReport::Component component, const std::vector<bool>& reached) const;
     bool readContent(bool& holdsText);
     bool readGroup(bool& holdsText);
-    void readGroupMark(char mark, CString& connectors);
+    bool connect(char connector);
     void readChild();
     bool readMark();
     void declareElement(Element& element, Index firstContent, bool holdsText);

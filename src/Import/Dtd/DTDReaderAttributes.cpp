@@ -7,8 +7,7 @@
 // Reads lists of attributes, in XML and SGML.
 namespace {
 
-// The words of a declaration: the types of attributes in XML, then those of SGML (ISO 8879, production [145]), and the
-// defaults (productions [147]).
+// The types of attributes in XML, then those of SGML (ISO 8879, production [145]), and the defaults ([147]).
 constexpr std::string_view kAttributeTypes[] = {"CDATA",    "ID",      "IDREF",    "IDREFS",  "ENTITY",
                                                 "ENTITIES", "NMTOKEN", "NMTOKENS", "NAME",    "NAMES",
                                                 "NUMBER",   "NUMBERS", "NUTOKEN",  "NUTOKENS"};

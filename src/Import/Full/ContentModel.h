@@ -17,7 +17,8 @@ public:
     enum Group : std::uint8_t
     {
         undecided, ///< decided by its first connector; a sequence until then
-        sequence,  ///< or content in any order
+        sequence,
+        anyOrder, ///< all parts, as with "&" in SGML
         choice
     };
 
@@ -36,14 +37,14 @@ public:
     /// Starts a group inside the current one. The kind of an undecided group is set by decide().
     void beginGroup(Group kind) { open.push_back({position(), kind}); }
 
-    /// Sets the kind of the innermost group, at its first connector. Returns false if it is known already, or if no
-    /// group is open.
-    bool decide(Group kind)
+    /// Sets the kind of the innermost group, which must be open, at its first connector. Returns the kind before, which
+    /// stays if it isn't undecided.
+    Group decide(Group kind)
     {
-        if (open.empty() || open.back().kind != undecided)
-            return false;
-        open.back().kind = kind;
-        return true;
+        const Group before = open.back().kind;
+        if (before == undecided)
+            open.back().kind = kind;
+        return before;
     }
 
     /// Ends the innermost group; `repeats` if the whole group may occur more than once.
