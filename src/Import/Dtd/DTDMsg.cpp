@@ -193,13 +193,7 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
     if (mainType.empty())
         mainType = toXmlText(name);
     DTDElement& element = addPiece(name, nullptr);
-    const bool isNew = std::exchange(text->lastElement, start) != start;
-    // The word may also be a name in another declaration.
-    const bool isStatement = text->whole.substr(0, start - kElement.size()).ends_with("<!");
-    if (isNew && isStatement && name.empty()) // a group of names, as in SGML
-        report.add(SourceReport::malformedDeclaration, text->places.at(nameStart), "ELEMENT without a name");
-    else if (isNew && isStatement && std::exchange(element.hasStatement, true))
-        report.add(SourceReport::declaredTwice, text->places.at(nameStart), name);
+    noteDeclaration(element, name, start);
     element.isDeclared = true;
     const std::string_view content = kDtdBlank.trim(text->whole.substr(nameEnd, std::max(end - 1, nameEnd) - nameEnd));
     if (content.find(kPcdata) != kNowhere || content.find(kCdata) != kNowhere || content == "ANY")
@@ -210,6 +204,19 @@ int DTDMessage::doParseElement(std::size_t start, std::size_t end)
         return 1;
     doParseField(nameEnd, end - 1, name.empty() ? nullptr : &element);
     return 1;
+}
+
+// Reports an ELEMENT that is dropped or merged with another one of its name. `start` is the end of its keyword.
+void DTDMessage::noteDeclaration(DTDElement& element, std::string_view name, std::size_t start)
+{
+    const bool isNew = std::exchange(text->lastElement, start) != start;
+    // The word may also be a name in another declaration.
+    if (!isNew || !text->whole.substr(0, start - kElement.size()).ends_with("<!"))
+        return;
+    if (name.empty()) // a group of names, as in SGML
+        report.add(SourceReport::malformedDeclaration, text->places.at(placeOf(name)), "ELEMENT without a name");
+    else if (std::exchange(element.hasStatement, true))
+        report.add(SourceReport::declaredTwice, text->places.at(placeOf(name)), name);
 }
 
 // Returns true if the first piece of the content model is empty or declares text content.

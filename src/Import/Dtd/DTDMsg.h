@@ -143,6 +143,7 @@ private:
     std::size_t endFrom(std::size_t start, std::size_t from) const;
     int doParse(std::size_t start, std::size_t end);
     int doParseElement(std::size_t start, std::size_t end);
+    void noteDeclaration(DTDElement& element, std::string_view name, std::size_t start);
     bool holdsTextOnly(std::size_t open, std::size_t end) const;
     void doParseField(std::size_t start, std::size_t end, DTDElement* parent);
     void formatField(std::string_view content, std::string_view mark, DTDElement* parent);

@@ -5,6 +5,15 @@
 #include <utility>
 
 // Reads ATTLIST statements.
+namespace {
+
+// Returns the name of an attribute's field. Its two names may differ in encoding, so each is converted by itself.
+CString fieldNameOf(std::string_view element, std::string_view attribute)
+{
+    return toXmlText(element) + "_" + toXmlText(attribute);
+}
+
+} // namespace
 
 // Reads pairs of element and attribute name, and skips type and default by their usual length. The rest is read as the
 // next pair, so the words of other types and defaults are taken for names. If that isn't reported, an attribute may
@@ -61,21 +70,19 @@ void DTDMessage::doParseAttlist(std::size_t start, std::size_t end)
 void DTDMessage::noteLost(std::string_view attlist)
 {
     const std::string_view element = dtdNameAt(attlist);
-    for (const std::string_view attribute : attributesOf(attlist)) {
-        joined.assign(element).append("_").append(attribute);
-        if (!dtdElements.find(isXmlText(joined) ? joined : toXmlText(element) + "_" + toXmlText(attribute)))
+    for (const std::string_view attribute : attributesOf(attlist))
+        if (!dtdElements.find(fieldNameOf(element, attribute)))
             report.add(SourceReport::declarationSkipped, text->places.at(placeOf(attribute)), attribute);
-    }
 }
 
-// Returns the entry of an attribute. Its two names may differ in encoding, so each is converted by itself.
+// Returns the entry of an attribute.
 DTDElement& DTDMessage::addAttribute(std::string_view element, std::string_view attribute)
 {
     joined.assign(element).append("_").append(attribute);
     DTDElement* field = dtdElements.find(joined);
     if (!field) {
         if (!isXmlText(joined))
-            joined = toXmlText(element) + "_" + toXmlText(attribute);
+            joined = fieldNameOf(element, attribute);
         field = &addDTDElement(memory.keep(joined), placeOf(attribute), nullptr);
         field->isAttribute = true;
     }
