@@ -138,6 +138,13 @@ const Rule kRules[] = {
      "12 details\nx:2:1: mixed content (order of text lost): H1\nx:2:1: mixed content (order of text lost): H2\nx:3:1: "
      "SGML exception: r\nx:3:38: SGML exception: I\n\n2 SGML exceptions\n2 mixed contents\n2 optional parts\n2 default "
      "values\n2 general entities\n1 choice\n1 content in any order\n"},
+    {"SgmlsNamesHaveNoCase",
+     "<!ELEMENT r - O (A, B?, C)><!ELEMENT a - - (#PCDATA)><!ATTLIST A x CDATA #REQUIRED><!ATTLIST a x CDATA #REQUIRED>"
+     "<!ELEMENT b O O EMPTY><!ATTLIST B y CDATA #REQUIRED><!ELEMENT B - O CDATA>",
+     "B(value:String B_y:String) a(value:String a_x:String) r(a:a B:B C:String)",
+     "1 loss\nx:1:25: reference to nothing that was read: C\n\n1 detail\n\n1 reference became text\n1 optional part\n"},
+    {"XmlsNamesHaveCase", "<!ELEMENT r (A)><!ELEMENT a (r)>", "r(A:String) a(r:r)",
+     "1 loss\nx:1:14: reference to nothing that was read: A\n\n1 reference became text\n"},
     {"ANameInAMissingEntity",
      "<!ENTITY % s '%p;r'><!ELEMENT %s; (a)><!ATTLIST %s; k CDATA #IMPLIED>\n<!ELEMENT %a.name; EMPTY>\n"
      "<!ELEMENT %a.name; O O ANY>\n<!ATTLIST %a.name; id ID #IMPLIED>",

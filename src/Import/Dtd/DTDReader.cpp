@@ -117,8 +117,8 @@ void DTDReader::readElement()
     const auto isMinimization = [](const DTDTokens::Token& token) {
         return token.isMark('-') || (token.kind == DTDTokens::tokenWord && isSameAscii(token.text, "O"));
     };
-    while (isMinimization(tokens->token())) // of SGML: whether the start or end tag may be omitted
-        tokens->next();
+    for (; isMinimization(tokens->token()); tokens->next()) // of SGML: whether the start or end tag may be omitted
+        omitsTags = true;
     bool holdsText = false;
     model.clear();
     if (!readContent(holdsText)) {

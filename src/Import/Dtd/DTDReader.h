@@ -119,6 +119,7 @@ private:
     void note(SourceReport::Construct construct, std::string_view name);
 
     // For finish(), when there are no more tokens.
+    void matchWithoutCase();
     std::vector<bool> findReached(std::span<const CString> roots) const;
     SourceTypes::Type typeOf(const Element& element) const;
     void makeFields(const Element& element, std::vector<SourceTypes::Field>& fields);
@@ -139,4 +140,5 @@ private:
     std::vector<std::string_view> components;     // of the report: lists of names, each ended by an empty one
     std::vector<SourceTypes::Constant> constants; // of the current attribute; a buffer
     bool isNoted = false;                         // the current declaration has been reported
+    bool omitsTags = false;                       // a declaration says which tags may be omitted, as only SGML can
 };

@@ -1,12 +1,16 @@
 // DTDReader: makes the types, after all DTDs have been read.
 #include "Import/Dtd/DTDReader.h"
 
+#include <unordered_map>
+
 // Adds all records before the first field, because a field names the record of its element, which may be declared
 // later. An element that is only referred to becomes text and is reported. One that only has attributes can't be in a
 // document, so it is a detail. Declared elements come in the order of declaration, which decides between equal
 // candidates for the main type; the others follow.
 void DTDReader::finish(std::span<const Index> sources, std::span<const CString> roots)
 {
+    if (omitsTags)
+        matchWithoutCase();
     const std::vector<bool> reached = findReached(roots);
     report.release([&](SourceReport::Component component) { return isReached(component, reached); });
     for (Element& element : elements)
@@ -34,6 +38,30 @@ void DTDReader::finish(std::span<const Index> sources, std::span<const CString> 
             makeFields(elements[index], fields);
             types.setFields(elements[index].record, fields);
         }
+}
+
+// Names of elements have no case in SGML (NAMECASE GENERAL YES in its reference concrete syntax, ISO 8879, figure 7).
+// So one that nothing declares means the declared element that differs by case only, which also gets its attributes.
+void DTDReader::matchWithoutCase()
+{
+    std::unordered_map<CString, Index> byName;
+    for (const Index index : declared)
+        byName.emplace(lowerAscii(elements[index].name), index);
+    std::vector<Index> meant(elements.size());
+    for (Element& element : elements) {
+        const auto found = element.isDeclared ? byName.end() : byName.find(lowerAscii(element.name));
+        meant[element.index] = found == byName.end() ? element.index : found->second;
+        if (found == byName.end())
+            continue;
+        element.isName = false; // makes no type
+        for (Index at = element.firstAttribute; at != SourceTypes::kNone;) {
+            const Attribute attribute = attributes[at];
+            addAttribute(elements[found->second], attribute.key.name, attribute.type);
+            at = attribute.next;
+        }
+    }
+    for (ContentModel::Entry& entry : contents)
+        entry.name = meant[entry.name];
 }
 
 // Returns for each element whether a root contains it, directly or indirectly; true for all if there are no roots. A
