@@ -60,10 +60,8 @@ public:
     void compare(const TypeStructure& before, const TypeStructure& after)
     {
         const TypeFolders folders = movedFolders(before, after);
-        if (!folders.areEqual() && !options.ignoreFolders) {
-            const CString part = partOfFolder(before, after, folders);
-            changes.push_back({TypeChange::folderChanged, part, {}, {}, folders.before, folders.after});
-        }
+        addMove(folders, isOfMainElement(before, folders.before, folders.before) ||
+                             isOfMainElement(after, folders.after, folders.after));
         const std::vector<TypeChange> found = typeChanges(before, after, folders);
         changes.insert(changes.end(), found.begin(), found.end());
     }
@@ -72,6 +70,13 @@ public:
     void compareRest(const TypeStructure& before, const TypeStructure& after, const std::vector<bool>& areEqual)
     {
         changes = typeChanges(before, after, {}, areEqual);
+    }
+
+    // Compares types that differ by their folders only, of which nothing but `after` is needed.
+    void compareMoved(const TypeStructure& after, const TypeFolders& folders)
+    {
+        addMove(folders, isOfMainElement(after, folders.before, folders.after) ||
+                             isOfMainElement(after, folders.after, folders.after));
     }
 
     // Returns whether all changes are accepted. Decides the exit status.
@@ -112,17 +117,28 @@ public:
     }
 
 private:
-    // Returns whether a folder is named after the main element. In a set with folders by namespace it is not.
-    static bool isOfMainElement(const TypeStructure& types, const CString& folder)
+    // Returns whether a folder is named after the main element, which is among the types in the folder `in`. In a set
+    // with folders by namespace it is not.
+    static bool isOfMainElement(const TypeStructure& types, const CString& folder, const CString& in)
     {
-        return types.find(folder + CString(shortName(folder.substr(0, folder.size() - 1)))) != TypeStructure::kNone;
+        return types.find(in + CString(shortName(folder.substr(0, folder.size() - 1)))) != TypeStructure::kNone;
     }
 
-    // Returns which parts of the folder differ.
-    static CString partOfFolder(const TypeStructure& before, const TypeStructure& after, const TypeFolders& folders)
+    // Adds the change of the folders, if there is one.
+    void addMove(const TypeFolders& folders, bool areOfMainElement)
     {
-        if (!isOfMainElement(before, folders.before) && !isOfMainElement(after, folders.after))
-            return "base path";
+        if (!folders.areEqual() && !options.ignoreFolders)
+            changes.push_back({TypeChange::folderChanged,
+                               areOfMainElement ? partOfFolder(folders) : "base path",
+                               {},
+                               {},
+                               folders.before,
+                               folders.after});
+    }
+
+    // Returns which parts of the folder differ, of those that are named after the main element.
+    static CString partOfFolder(const TypeFolders& folders)
+    {
         const auto parentOf = [](const CString& folder) {
             return folder.substr(0, folder.rfind('\\', folder.size() - 2) + 1);
         };
@@ -207,9 +223,13 @@ bool compareTexts(MsgBase& message, const CString& document, Differences& differ
     std::optional<TextMatch> match;
     if (CString text; !readRegular(document, text) || !(match = matchTexts(message, text)))
         return false;
-    if (match->areAllEqual())
+    if (match->folders.areEqual() && match->areAllEqual())
         return true;
     const TypeStructure after(message);
+    if (!match->folders.areEqual()) {
+        differences.compareMoved(after, match->folders);
+        return true;
+    }
     if (!after.hasUniqueNames())
         return false;
     BrokerMessage earlier;

@@ -155,6 +155,61 @@ private:
     std::set<CString, std::less<>> names;
 };
 
+// Returns the full names of the import's types as their texts have them, with escapes.
+std::vector<CString> namesIn(MsgBase& message)
+{
+    std::vector<CString> names;
+    message.beginEnum();
+    while (Element* const element = message.enumNext())
+        names.emplace_back(nameIn(element->asXML()));
+    return names;
+}
+
+// Moves the names in a type's text, its own and those it refers to, to another folder.
+void moveInto(CString& moved, std::string_view type, const TypeFolders& folders)
+{
+    constexpr std::string_view reference = " TYPE=\"";
+    moved.clear();
+    std::size_t from = 0, name = kTypeStart.size();
+    do {
+        moved += type.substr(from, name - from);
+        const bool isMoved = type.substr(name).starts_with(folders.before);
+        moved += isMoved ? std::string_view(folders.after) : std::string_view();
+        from = name + (isMoved ? folders.before.size() : 0);
+        name = type.find(reference, from);
+        name += name == type.npos ? 0 : reference.size();
+    } while (name != type.npos);
+    moved += type.substr(from);
+}
+
+// Matches an import of which no type is in a document, as if all its types were in the document's folder. Returns
+// nothing if a type differs otherwise, or if the folders might be others for movedFolders(): a name that both have
+// begins with both folders.
+std::optional<TextMatch> matchMoved(MsgBase& message, const std::vector<std::string_view>& types)
+{
+    const std::vector<CString> ownNames = namesIn(message);
+    std::vector<std::string_view> names;
+    for (const std::string_view type : types)
+        names.push_back(nameIn(type));
+    TextMatch match;
+    match.folders = {commonFolder(names),
+                     commonFolder(std::vector<std::string_view>(ownNames.begin(), ownNames.end()))};
+    const CString &before = match.folders.before, &after = match.folders.after;
+    const bool isCertain = !before.starts_with(after) && !after.starts_with(before) &&
+                           before.find('&') == before.npos && after.find('&') == after.npos;
+    if (!isCertain || names.size() != ownNames.size() || !areNamesUnique(types))
+        return {};
+    CString moved;
+    std::size_t number = 0;
+    message.beginEnum();
+    while (Element* const element = message.enumNext()) {
+        moveInto(moved, types[number++], match.folders);
+        if (moved != element->asXML())
+            return {};
+    }
+    return match;
+}
+
 // Matches the types of an import with the texts of a document, in the three steps of matchTexts().
 class Matching
 {
@@ -239,7 +294,9 @@ std::optional<TextMatch> matchTexts(MsgBase& message, std::string_view document)
     if (!parts)
         return {};
     Matching matching(*parts);
-    if (!matching.findTypes(message) || !matching.collectRest() || !matching.areNamesCertain())
+    if (!matching.findTypes(message))
+        return matchMoved(message, parts->types);
+    if (!matching.collectRest() || !matching.areNamesCertain())
         return {};
     return std::move(matching.match);
 }

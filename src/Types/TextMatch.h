@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Text.h"
+#include "Types/TypeChanges.h"
 
 #include <algorithm>
 #include <optional>
@@ -14,6 +15,7 @@ struct TextMatch
 {
     std::vector<bool> isEqual; ///< by the types of the import: whether the document has the type
     CString rest; ///< a document of its other types and all its tables and arrays; empty if it has no other types
+    TypeFolders folders; ///< if all types are in another folder and equal otherwise; `isEqual` is then empty
 
     /// Returns whether import and document have the same types.
     bool areAllEqual() const { return rest.empty() && std::ranges::count(isEqual, false) == 0; }

@@ -244,21 +244,13 @@ private:
     const std::vector<bool>& areEqual;
 };
 
-// Returns the deepest folder that contains all types, with a final backslash; empty if there is none. The prefix only
-// shrinks, so this is linear in the names. It is cut at a backslash, because names that begin alike need not be in one
-// folder.
-CString commonFolder(const TypeStructure& structure)
+std::vector<std::string_view> namesOf(const TypeStructure& structure)
 {
-    std::string_view common;
-    for (std::uint32_t type = 0; type < structure.size(); ++type) {
-        const std::string_view name = structure.queryFullName(type);
-        if (type == 0)
-            common = name;
-        const std::size_t same = static_cast<std::size_t>(std::ranges::mismatch(common, name).in1 - common.begin());
-        const std::size_t end = common.substr(0, same).rfind('\\');
-        common = common.substr(0, end == common.npos ? 0 : end + 1);
-    }
-    return CString(common);
+    std::vector<std::string_view> names;
+    names.reserve(structure.size());
+    for (std::uint32_t type = 0; type < structure.size(); ++type)
+        names.push_back(structure.queryFullName(type));
+    return names;
 }
 
 } // namespace
@@ -280,11 +272,24 @@ TypeChange::Id changeNamed(std::string_view text)
     return static_cast<TypeChange::Id>(row - std::begin(kChanges));
 }
 
+// The prefix only shrinks, so this is linear. It is cut at a backslash, because names that begin alike need not be in
+// one folder.
+CString commonFolder(std::span<const std::string_view> names)
+{
+    std::string_view common = names.empty() ? std::string_view() : names.front();
+    for (const std::string_view name : names) {
+        const std::size_t same = static_cast<std::size_t>(std::ranges::mismatch(common, name).in1 - common.begin());
+        const std::size_t end = common.substr(0, same).rfind('\\');
+        common = common.substr(0, end == common.npos ? 0 : end + 1);
+    }
+    return CString(common);
+}
+
 // If the sides have one full name in common, the types have not moved. The common folder can change for other reasons,
 // for example because the newer side has a type in another folder.
 TypeFolders movedFolders(const TypeStructure& before, const TypeStructure& after)
 {
-    const TypeFolders folders{commonFolder(before), commonFolder(after)};
+    const TypeFolders folders{commonFolder(namesOf(before)), commonFolder(namesOf(after))};
     bool haveMoved = false;
     for (std::uint32_t type = 0; type < before.size() && !folders.areEqual(); ++type) {
         const std::string_view name = before.queryFullName(type);

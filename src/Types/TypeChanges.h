@@ -3,6 +3,7 @@
 #include "Base/Text.h"
 
 #include <span>
+#include <string_view>
 #include <vector>
 
 class TypeStructure;
@@ -62,6 +63,10 @@ struct TypeFolders
     /// Returns whether nothing has moved, as with two empty folders.
     bool areEqual() const { return before == after; }
 };
+
+/// Returns the deepest folder that contains all types of these full names, with a final backslash; empty if there is
+/// none. Linear in the names.
+CString commonFolder(std::span<const std::string_view> names);
 
 /// Returns the deepest folders that contain all types of each side, if the sides have no full name in common, but names
 /// below these folders: another base path or main element. Returns two empty folders otherwise. Without this, all types
