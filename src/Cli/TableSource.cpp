@@ -106,11 +106,11 @@ std::vector<ChosenTable> TableSource::pickTables(const std::vector<CString>& nam
     std::set<CString> known;
     for (const CString& each : names) {
         CString name(trimmed(each));
-        if (name != each && tableExists(each))
+        if (name != each && CTables(&database).mayContain(each))
             name = each; // blanks are a part of it
         if (!known.insert(name).second)
             continue;
-        const bool mayBeQualified = name.find('.') != CString::npos && !tableExists(name);
+        const bool mayBeQualified = name.find('.') != CString::npos && !CTables(&database).mayContain(name);
         const std::optional<TableName> table = mayBeQualified ? qualifiedTable(name) : std::nullopt;
         if (table && std::ranges::find(tables, *table, &ChosenTable::table) != tables.end())
             continue; // the same table by another name
@@ -135,14 +135,6 @@ std::optional<TableName> TableSource::qualifiedTable(const CString& name)
     return std::nullopt;
 }
 
-// Returns whether there is a table, view or the like of this name. True if the driver can't list tables, because it may
-// exist.
-bool TableSource::tableExists(const CString& name)
-{
-    CTables tables(&database);
-    return !tables.Open(nullptr, nullptr, name.c_str(), nullptr) || !tables.IsEOF();
-}
-
 // Reports the first requested table that doesn't exist. A type with fields proves that its table exists, which saves a
 // query.
 void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>& tables, Diagnostics& diagnostics)
@@ -153,6 +145,7 @@ void TableSource::requireTables(MsgBase& message, const std::vector<ChosenTable>
         if (table->queryChildren().size() != 0)
             withFields.insert(table->queryName());
     for (const ChosenTable& each : tables)
-        if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) && !tableExists(each.table.name))
+        if (each.how == ChosenTable::byName && !withFields.contains(each.table.name) &&
+            !CTables(&database).mayContain(each.table.name))
             return diagnostics.error("there is no table called " + each.table.name);
 }

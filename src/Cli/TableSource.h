@@ -33,7 +33,6 @@ private:
     std::vector<ChosenTable> pickTables(const std::vector<CString>& names);
     // Returns the table of a name with owner or qualifier in front, if there is one.
     std::optional<TableName> qualifiedTable(const CString& name);
-    bool tableExists(const CString& name);
     // Called after the import.
     void requireTables(MsgBase& message, const std::vector<ChosenTable>& tables, Diagnostics& diagnostics);
 

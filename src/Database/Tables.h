@@ -35,6 +35,10 @@ public:
     /// Returns 1 if open, 0 if the driver can't list tables; throws CDBException on errors.
     int Open(const char* qualifier, const char* owner, const char* table, const char* tableTypes, UINT type = snapshot);
 
+    /// Opens the list of tables, views and the like whose names match the pattern. Returns whether there are any; true
+    /// if the driver can't list tables.
+    bool mayContain(const CString& table) { return !Open(nullptr, nullptr, table.c_str(), nullptr) || !IsEOF(); }
+
     /// Returns an empty text: the connection is always given to the constructor.
     CString GetDefaultConnect() const { return {}; }
 

@@ -47,7 +47,8 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
     const PostgresServer server;
     execute(server, "postgres",
             "CREATE SCHEMA a; CREATE SCHEMA b; CREATE TABLE a.t (x int); CREATE TABLE b.t (y int); CREATE TABLE "
-            "\"a.dot\" (z int); CREATE TABLE a.dot (n int); CREATE TABLE u (v int); CREATE TABLE a.u (w int)");
+            "\"a.dot\" (z int); CREATE TABLE a.dot (n int); CREATE TABLE u (v int); CREATE TABLE a.u (w int); CREATE "
+            "TABLE u_u (); CREATE TABLE uxu (x int)");
     const TempDir folder;
     folder.write("password", server.password);
     const CString ofSource = "--source-user typeforge --source-password-file password ", program = "typeforge-import: ";
@@ -61,10 +62,12 @@ TEST(TableChoice, PicksTheTableOfASchemaAndTellsTheOthers)
           {0, "\\t\t\n",
            "1 loss\nt: columns of several tables in one record: a.t, b.t\n\n1 record of several tables\n1 "
            "type, 2 fields: 2 typed, 0 left text\n"}},
+         {"$logon -t u_u --strict", {1, "", "u_u: error: table hidden by another of its name: public.u_u\n"}},
          {"$logon --strict",
           {1, "",
            "t: error: columns of several tables in one record: a.t, b.t\n"
-           "u: error: table hidden by another of its name: a.u\n"}},
+           "u: error: table hidden by another of its name: a.u\n"
+           "u_u: error: table hidden by another of its name: public.u_u\n"}},
          {"$logon -t c.t -q", {1, "", "S: error: there is no table called c.t\n"}},
          {"$logon -t a.t -t b.t",
           {1, "", program + "a.t and b.t would become one type, t; import each alone, with its own --base-path\n"}},

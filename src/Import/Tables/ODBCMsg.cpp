@@ -52,6 +52,11 @@ const char* textOrNull(const CString& text)
     return text.empty() ? nullptr : text.c_str();
 }
 
+CDatabase* databaseOf(MainWindow* window)
+{
+    return window ? window->queryDatabase() : nullptr;
+}
+
 } // namespace
 
 bool ChosenTable::isNamable() const
@@ -84,7 +89,7 @@ int ODBCMessage::parse(const CString& source, const CString& basePath, const CSt
     std::uint64_t done = 0;
     reportUnnamed();
     // One object for all tables, because it caches which databases have which tables.
-    CColumns columns(mainWindow ? mainWindow->queryDatabase() : nullptr);
+    CColumns columns(databaseOf(mainWindow));
     QELStringIterator names(source.c_str());
     names.beginEnum('\n');
     QELString name;
@@ -131,14 +136,14 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
     if (read.empty())
         reportEmpty(tableName, place);
     else
-        reportTables(tableName, read);
+        reportTables(tableName, place, read);
 }
 
 // Reports why a table has no columns. Only the catalogue distinguishes an empty table from one that was dropped since
 // it was listed.
 void ODBCMessage::reportEmpty(const CString& tableName, SourcePlace place)
 {
-    if (tableExists(tableName))
+    if (CTables(databaseOf(mainWindow)).mayContain(tableName))
         report.add(SourceReport::emptyTable, place, tableName);
     else if (mayBeCut(tableName))
         report.add(SourceReport::cutShort, place, "a table's name, to 255 bytes: " + tableName);
@@ -177,25 +182,28 @@ const TableName* ODBCMessage::exactTable(const CString& tableName) const
     return nullptr;
 }
 
-bool ODBCMessage::tableExists(const CString& tableName) const
+// Reports the tables whose columns came into one record, and those of its name whose columns didn't.
+void ODBCMessage::reportTables(const CString& tableName, SourcePlace place, const std::set<TableName>& read)
 {
-    CTables tables(mainWindow ? mainWindow->queryDatabase() : nullptr);
-    return !tables.Open(nullptr, nullptr, tableName.c_str(), nullptr) || !tables.IsEOF();
-}
-
-// Reports the tables whose columns came into one record, and the chosen ones whose columns didn't.
-void ODBCMessage::reportTables(const CString& tableName, const std::set<TableName>& read)
-{
-    const SourcePlace place{report.addFile(tableName)};
     if (read.size() > 1) {
         CString all;
         for (const TableName& table : read)
             all += (all.empty() ? "" : ", ") + table.text();
         report.add(SourceReport::severalTables, place, all);
     }
+    std::set<TableName> hidden;
     for (const ChosenTable& each : allCalled(chosen, tableName))
         if (each.how == ChosenTable::listed && !read.contains(each.table))
-            report.add(SourceReport::tableHidden, place, each.table.text());
+            hidden.insert(each.table);
+    // If only other tables match the name, the table itself has no columns, or is where the driver doesn't look.
+    CTables tables(databaseOf(mainWindow));
+    if (std::ranges::find(read, tableName, &TableName::name) == read.end())
+        tables.Open(nullptr, nullptr, tableName.c_str(), nullptr);
+    for (tables.MoveFirst(); !tables.IsEOF(); tables.MoveNext())
+        if (tables.tableName == tableName)
+            hidden.insert(tables.queryName());
+    for (const TableName& table : hidden)
+        report.add(SourceReport::tableHidden, place, table.text());
 }
 
 void ODBCMessage::reportUnnamed()

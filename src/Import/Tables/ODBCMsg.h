@@ -58,8 +58,7 @@ private:
     void reportCuts(const CColumns& columns, SourcePlace place);
     void reportSameKey(const TypeModel::Declared& made, const CString& name, SourcePlace place);
     const TableName* exactTable(const CString& tableName) const;
-    bool tableExists(const CString& tableName) const;
-    void reportTables(const CString& tableName, const std::set<TableName>& read);
+    void reportTables(const CString& tableName, SourcePlace place, const std::set<TableName>& read);
     void reportUnnamed();
 
     std::vector<ChosenTable> chosen; // sorted by name
