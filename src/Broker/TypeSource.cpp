@@ -2,8 +2,9 @@
 
 #include "Files/FileMessage.h"
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
+#include <set>
 #include <system_error>
 
 namespace {
@@ -29,12 +30,15 @@ TypeSource fileSource(const CString& file)
     return {toXmlText(full.string()), fs::is_regular_file(status) || fs::is_directory(status)};
 }
 
-CString shortName(const CString& source, const std::vector<CString>& others)
+std::vector<CString> shortNames(const std::vector<CString>& sources)
 {
-    if (source.empty())
-        return "unknown source";
-    const CString name = withoutFolder(source);
-    const bool isClear = std::ranges::all_of(
-        others, [&](const CString& other) { return other == source || withoutFolder(other) != name; });
-    return isClear && !name.empty() ? name : source;
+    std::map<CString, int> uses; // of a name without its folder, by different sources
+    for (const CString& source : std::set(sources.begin(), sources.end()))
+        ++uses[withoutFolder(source)];
+    std::vector<CString> names;
+    for (const CString& source : sources) {
+        const CString name = withoutFolder(source);
+        names.push_back(source.empty() ? "unknown source" : !name.empty() && uses[name] == 1 ? name : source);
+    }
+    return names;
 }

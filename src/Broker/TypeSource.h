@@ -17,6 +17,6 @@ struct TypeSource
 /// Returns a file or folder as a source, by its full name. Standard input and pipes are not persistent.
 TypeSource fileSource(const CString& file);
 
-/// Returns the shortest clear name of a source among `others`: a file without its folder, unless another source has
-/// that name too; "unknown source" for an empty one. `others` may contain the source itself. Linear in `others`.
-CString shortName(const CString& source, const std::vector<CString>& others);
+/// Returns the shortest clear name of each source: a file without its folder, unless another source has that name too;
+/// "unknown source" for an empty one.
+std::vector<CString> shortNames(const std::vector<CString>& sources);

@@ -87,8 +87,10 @@ void reportOtherSources(const CreationRun& run, const CString& source, bool kept
     std::vector<CString> names = {source};
     for (const OtherSource& other : run.queryOtherSources())
         names.push_back(other.name);
+    names = shortNames(names);
+    std::size_t index = 0;
     for (const auto& [name, replaced, kept] : run.queryOtherSources()) {
-        const CString shown = shortName(name, names);
+        const CString& shown = names[++index];
         if (replaced != 0)
             report(typesOf(replaced, shown) +
                    (isDryRun        ? " would be"
