@@ -83,37 +83,6 @@ bool areNamesUnique(const std::vector<std::string_view>& types)
     return std::ranges::all_of(types, [&](std::string_view type) { return names.insert(nameIn(type)).second; });
 }
 
-// Finds texts in a document. Types nearly always follow each other as in the import, so the one after the last found is
-// tried first. The table of all texts is only made if that fails.
-class Finder
-{
-public:
-    explicit Finder(const std::vector<std::string_view>& texts) : texts(texts) {}
-
-    // Returns the index of a text, or nothing.
-    std::optional<std::size_t> find(std::string_view text)
-    {
-        if (next >= texts.size() || texts[next] != text) {
-            if (byText.empty())
-                for (std::size_t i = 0; i < texts.size(); ++i)
-                    byText.emplace(texts[i], i);
-            const auto found = byText.find(text);
-            if (found == byText.end())
-                return {};
-            next = found->second;
-        }
-        return next++;
-    }
-
-    // Returns whether each call of find() has found the text after the last one.
-    bool isInOrder() const { return byText.empty(); }
-
-private:
-    const std::vector<std::string_view>& texts;
-    std::size_t next = 0;
-    std::unordered_map<std::string_view, std::size_t, KeyHash> byText;
-};
-
 // The tables and arrays that differ, by name. A field shows the content of its table, so a type that refers to one of
 // them differs, too, even if its text doesn't.
 class ChangedComponents
@@ -214,9 +183,7 @@ std::optional<TextMatch> matchMoved(MsgBase& message, const std::vector<std::str
 class Matching
 {
 public:
-    explicit Matching(const Parts& document) :
-        document(document), finder(document.types), numbers(document.types.size(), kNotFound)
-    {}
+    explicit Matching(const Parts& document) : document(document), numbers(document.types.size(), kNotFound) {}
 
     // Finds the texts of the import. Returns false if none is found, or none of the first ones.
     bool findTypes(MsgBase& message)
@@ -225,13 +192,13 @@ public:
         message.beginEnum();
         while (Element* const element = message.enumNext()) {
             const std::string_view text = element->asXML();
-            const std::optional<std::size_t> found = finder.find(text);
-            if (found)
-                numbers[*found] = match.isEqual.size();
+            const std::size_t found = find(text, match.isEqual.size());
+            if (found != kNotFound)
+                numbers[found] = match.isEqual.size();
             else
                 changed.add(text);
-            equal += found.has_value();
-            match.isEqual.push_back(found.has_value());
+            equal += found != kNotFound;
+            match.isEqual.push_back(found != kNotFound);
             if (equal == 0 && match.isEqual.size() == kTried)
                 return false;
         }
@@ -270,18 +237,29 @@ public:
     }
 
     // Returns whether it is certain which of several types of one name is compared, which is the first.
-    bool areNamesCertain() const
-    {
-        return (match.areAllEqual() && finder.isInOrder()) || areNamesUnique(document.types);
-    }
+    bool areNamesCertain() const { return (match.areAllEqual() && byText.empty()) || areNamesUnique(document.types); }
 
     TextMatch match;
 
 private:
     static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
 
+    // Returns the index of a text in the document. Nearly always, it has the same index there as in the import. The
+    // table of all texts is only made if one has not.
+    std::size_t find(std::string_view text, std::size_t index)
+    {
+        const std::vector<std::string_view>& texts = document.types;
+        if (byText.empty() && index < texts.size() && texts[index] == text)
+            return index;
+        if (byText.empty())
+            for (std::size_t i = 0; i < texts.size(); ++i)
+                byText.emplace(texts[i], i);
+        const auto found = byText.find(text);
+        return found == byText.end() ? kNotFound : found->second;
+    }
+
     const Parts& document;
-    Finder finder;
+    std::unordered_map<std::string_view, std::size_t, KeyHash> byText; // empty while all types are in order
     ChangedComponents changed;
     std::vector<std::size_t> numbers; // of the types of the import with these texts
 };
