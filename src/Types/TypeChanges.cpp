@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <deque>
+#include <map>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 // Both sides get an index of their types by the names under which they are compared. A type in both is compared part by
 // part. Nearly all types are equal, so their parts are first compared in order, without keys; only a type that differs
@@ -95,45 +97,31 @@ private:
     std::deque<CString> moved;
 };
 
-// The identity of a part: its name, and the number of earlier parts of the type with the same name. So the first of two
-// fields of one name is compared with the first on the other side.
-struct PartKey
-{
-    std::string_view name;
-    std::size_t before;
-
-    friend bool operator==(const PartKey&, const PartKey&) = default;
-};
-
-struct PartKeyHash
-{
-    std::size_t operator()(const PartKey& key) const { return KeyHash()(key.name) + key.before; }
-};
-
-// The parts of one type, in order and by key.
+// The parts of one type, in order and by key: the name, and the number of earlier parts of the type with the same name.
+// So the first of two fields of one name is compared with the first on the other side.
 struct Parts
 {
-    explicit Parts(std::span<const TypePart> list);
+    using Key = std::pair<std::string_view, std::size_t>;
 
-    const TypePart* find(const PartKey& key) const
+    explicit Parts(std::span<const TypePart> list) : all(list)
     {
-        const auto found = numbers.find(key);
-        return found == numbers.end() ? nullptr : &all[found->second];
+        std::unordered_map<std::string_view, std::size_t, KeyHash> met;
+        for (const TypePart& part : all) {
+            keys.emplace_back(part.name, met[part.name]++);
+            byKey.emplace(keys.back(), &part);
+        }
+    }
+
+    const TypePart* find(const Key& key) const
+    {
+        const auto found = byKey.find(key);
+        return found == byKey.end() ? nullptr : found->second;
     }
 
     std::span<const TypePart> all;
-    std::vector<PartKey> keys;
-    std::unordered_map<PartKey, std::size_t, PartKeyHash> numbers;
+    std::vector<Key> keys;
+    std::map<Key, const TypePart*> byKey;
 };
-
-Parts::Parts(std::span<const TypePart> list) : all(list)
-{
-    std::unordered_map<std::string_view, std::size_t, KeyHash> met;
-    for (const TypePart& part : all) {
-        keys.push_back({part.name, met[part.name]++});
-        numbers.emplace(keys.back(), numbers.size());
-    }
-}
 
 // Returns a type's full name for the user.
 CString shownType(std::string_view name)
