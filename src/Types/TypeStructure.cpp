@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <unordered_set>
-#include <utility>
 
 // The structure is read from the importer's elements on demand. It stores only data that would need a search: an index
 // of the full names, and the types by the numbers of their elements. Parts are views that each call makes again: with
@@ -135,36 +134,18 @@ std::uint32_t TypeStructure::numberOf(const Element& child, const Element& recor
     return number != kNone && types[number].fullName.size() == length ? number : kNone;
 }
 
-// Collects the users of all types in one array, sorted by counting: most types have one or two, so a list for each
-// would waste memory. firstUser[type + 1] first counts the users of a type, then becomes the end of its range. A user
-// is entered once for each type: its parts come one after the other, and lastUser is the latest user of a type.
-void TypeStructure::collectUsers() const
-{
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> uses; // used type, user
-    std::vector<std::uint32_t> lastUser(size(), kNone);
-    firstUser.assign(size() + 1, 0);
-    for (std::uint32_t user = 0; user < size(); ++user)
-        for (const TypePart& part : parts(user)) {
-            if (part.type == kNone || std::exchange(lastUser[part.type], user) == user)
-                continue;
-            uses.emplace_back(part.type, user);
-            ++firstUser[part.type + 1];
-        }
-    for (std::uint32_t type = 0; type < size(); ++type)
-        firstUser[type + 1] += firstUser[type];
-    userList.resize(uses.size());
-    std::vector<std::uint32_t> next(firstUser.begin(), firstUser.end() - 1);
-    for (const auto& [used, user] : uses)
-        userList[next[used]++] = user;
-}
-
-// firstUser has one entry more than there are types once it is built.
+// Collects the users of all types at once. The parts of a user come one after the other, so it is already in a list if
+// it is the last one there.
 std::span<const std::uint32_t> TypeStructure::users(std::uint32_t type) const
 {
-    if (firstUser.size() <= size())
-        collectUsers();
-    const auto first = firstUser.begin() + type;
-    return {userList.begin() + first[0], userList.begin() + first[1]};
+    if (userLists.empty()) {
+        userLists.resize(size());
+        for (std::uint32_t user = 0; user < size(); ++user)
+            for (const TypePart& part : parts(user))
+                if (part.type != kNone && (userLists[part.type].empty() || userLists[part.type].back() != user))
+                    userLists[part.type].push_back(user);
+    }
+    return userLists[type];
 }
 
 // Each level is looked up by its name. The types passed are few, so a search among them is faster than a set.

@@ -129,13 +129,11 @@ private:
     void forEachNeighbour(std::uint32_t type, Direction direction, const Action& action) const;
     TypePart partOf(const Element& child, const Element& record) const;
     std::uint32_t numberOf(const Element& child, const Element& record) const;
-    void collectUsers() const;
 
     std::deque<Type> types; // a deque, because the index points into it
     KeyedTable<const Type, &Type::fullName> index;
-    std::vector<std::uint32_t> numbers;           // types by element number; empty if two types have the same name
-    mutable std::vector<TypePart> lastParts;      // of the last call
-    mutable std::deque<CString> lastTypeNames;    // names of `lastParts` that are stored nowhere else
-    mutable std::vector<std::uint32_t> firstUser; // by type: where its users begin in `userList`; built on demand
-    mutable std::vector<std::uint32_t> userList;
+    std::vector<std::uint32_t> numbers;        // types by element number; empty if two types have the same name
+    mutable std::vector<TypePart> lastParts;   // of the last call
+    mutable std::deque<CString> lastTypeNames; // names of `lastParts` that are stored nowhere else
+    mutable std::vector<std::vector<std::uint32_t>> userLists; // by type; built on demand
 };
