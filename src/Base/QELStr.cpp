@@ -23,23 +23,6 @@ int indexOf(std::size_t position)
     return position == std::string_view::npos ? -1 : static_cast<int>(position);
 }
 
-// Return `text` without the characters of `set` at its start, or at its end. The set is looked up in a table, as in
-// strspn(), so a long set costs no more than a short one.
-std::string_view withoutLeading(const QELString& text, const char* set)
-{
-    return viewOf(text).substr(std::strspn(text, set));
-}
-
-std::string_view withoutTrailing(std::string_view text, std::string_view set)
-{
-    bool inSet[UCHAR_MAX + 1] = {};
-    for (const char ch : set)
-        inSet[static_cast<unsigned char>(ch)] = true;
-    while (!text.empty() && inSet[static_cast<unsigned char>(text.back())])
-        text.remove_suffix(1);
-    return text;
-}
-
 } // namespace
 
 QELString::QELString()
@@ -225,20 +208,19 @@ void QELString::trim()
 
 void QELString::trim(const QELString& set)
 {
-    const std::string_view rest = withoutTrailing(withoutLeading(*this, set), viewOf(set));
+    const std::string_view rest = trimmed(viewOf(*this), viewOf(set));
     setText(rest.data(), static_cast<unsigned int>(rest.size()));
 }
 
 void QELString::ltrim(unsigned int width)
 {
-    const std::string_view rest = withoutLeading(*this, " ");
-    setText(rest.data(), static_cast<unsigned int>(rest.size()));
+    cutl(static_cast<unsigned int>(std::strspn(text, " ")));
     insertSpaces(length(), width);
 }
 
 void QELString::rtrim(unsigned int width)
 {
-    truncate(static_cast<unsigned int>(withoutTrailing(viewOf(*this), " ").size()));
+    truncate(static_cast<unsigned int>(viewOf(*this).find_last_not_of(' ') + 1)); // npos + 1 is 0
     insertSpaces(0, width);
 }
 
