@@ -31,6 +31,14 @@ struct SettingsStore::Document
     CString fileName; // empty if the user has no settings folder
     Json root = Json::object();
     bool isChanged = false;
+
+    // Returns the values of a key; an empty object if there is none.
+    const Json& valuesOf(const CString& key) const
+    {
+        static const Json none = Json::object();
+        const auto found = root.find(key);
+        return found != root.end() && found->is_object() ? *found : none;
+    }
 };
 
 namespace {
@@ -236,17 +244,9 @@ SettingsStore::SettingsStore() : document(std::make_unique<Document>())
 
 SettingsStore::~SettingsStore() = default;
 
-bool SettingsStore::hasKey(const CString& key) const
-{
-    const auto found = document->root.find(key);
-    return found != document->root.end() && found->is_object();
-}
-
 bool SettingsStore::getValue(const CString& key, const CString& name, SettingsValue& out) const
 {
-    if (!hasKey(key))
-        return false;
-    const Json& values = document->root[key];
+    const Json& values = document->valuesOf(key);
     const auto found = values.find(name);
     return found != values.end() && toValue(*found, out);
 }
@@ -254,9 +254,7 @@ bool SettingsStore::getValue(const CString& key, const CString& name, SettingsVa
 std::vector<std::pair<CString, SettingsValue>> SettingsStore::queryValues(const CString& key) const
 {
     std::vector<std::pair<CString, SettingsValue>> values;
-    if (!hasKey(key))
-        return values;
-    for (const auto& [name, stored] : document->root[key].items())
+    for (const auto& [name, stored] : document->valuesOf(key).items())
         if (SettingsValue value; toValue(stored, value))
             values.emplace_back(name, std::move(value));
     return values;

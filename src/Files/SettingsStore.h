@@ -35,9 +35,6 @@ public:
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
 
-    /// Returns whether the key exists, even without values.
-    bool hasKey(const CString& key) const;
-
     /// Reads a value. Returns false if it doesn't exist, or is neither a text nor a 32-bit integer. A Boolean counts as
     /// 0 or 1.
     bool getValue(const CString& key, const CString& name, SettingsValue& out) const;
