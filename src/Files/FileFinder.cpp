@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <fcntl.h>
 #include <filesystem>
 #include <linux/magic.h>
@@ -113,17 +114,15 @@ std::optional<FileId> identifyFile(const CString& name, int& error)
 
 CString withoutEscapes(std::string_view uri)
 {
-    const auto digit = [](char c) {
-        const std::size_t at = std::string_view("0123456789abcdef").find(lowerAscii(c));
-        return at == std::string_view::npos ? -1 : static_cast<int>(at);
-    };
     CString out;
     out.reserve(uri.size());
     for (std::size_t i = 0; i < uri.size(); ++i) {
-        const int high = uri[i] == '%' && i + 2 < uri.size() ? digit(uri[i + 1]) : -1;
-        const int low = high >= 0 ? digit(uri[i + 2]) : -1;
-        out += low < 0 ? uri[i] : static_cast<char>(high * 16 + low);
-        i += low < 0 ? 0 : 2;
+        const char* const digits = uri.data() + i + 1;
+        unsigned char byte = 0;
+        const bool isEscape =
+            uri[i] == '%' && i + 2 < uri.size() && std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
+        out += isEscape ? static_cast<char>(byte) : uri[i];
+        i += isEscape ? 2 : 0;
     }
     return out;
 }
