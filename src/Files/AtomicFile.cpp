@@ -165,10 +165,10 @@ int AtomicFile::commit()
 {
     flush();
     // Nothing is put in place after a failure, or if the bytes went to the target directly.
-    const bool isWritten = error != 0 || target.empty();
-    if (!isWritten && keepsUnchanged && isUnchanged())
+    const bool isToPlace = error == 0 && !target.empty();
+    if (isToPlace && keepsUnchanged && isUnchanged())
         temporary.remove();
-    else if (!isWritten && !place())
+    else if (isToPlace && !place())
         fail();
     // A file system may report a full disk or a quota only here (close(2)).
     if (!out.close())
