@@ -35,22 +35,9 @@ bool hasAcl(const CString& fileName)
     return ::getxattr(fileName.c_str(), "system.posix_acl_access", nullptr, 0) > 0;
 }
 
-bool appendZeros(int file, off_t from, off_t to)
-{
-    static constexpr char zeros[4096] = {};
-    while (from < to) {
-        const ssize_t written =
-            ::pwrite(file, zeros, std::min(sizeof zeros, static_cast<std::size_t>(to - from)), from);
-        if (written < 0 && errno != EINTR)
-            return false;
-        from += std::max<ssize_t>(written, 0);
-    }
-    return true;
-}
-
 // Gives a file its new size before any byte is overwritten. A full disk then leaves the old file intact, and no old
-// byte can remain after the end of the new content. A file system without fallocate(2) gets zeros at the end of the
-// file; holes before it are not looked for, because the file may not be readable.
+// byte can remain after the end of the new content. On a file system without fallocate(2), posix_fallocate(3) writes to
+// each block at the end of the file; holes before it are not looked for, because the file may not be readable.
 bool resize(int file, off_t size)
 {
     struct stat before = {};
@@ -58,10 +45,11 @@ bool resize(int file, off_t size)
         return false;
     if (size < before.st_size)
         return ::ftruncate(file, size) == 0;
-    if (size == before.st_size || ::fallocate(file, 0, 0, size) == 0 ||
-        (errno == EOPNOTSUPP && appendZeros(file, before.st_size, size)))
+    if (size == before.st_size || ::fallocate(file, 0, 0, size) == 0)
         return true;
-    const int error = errno;
+    const int error = errno == EOPNOTSUPP ? ::posix_fallocate(file, before.st_size, size - before.st_size) : errno;
+    if (error == 0)
+        return true;
     if (::ftruncate(file, before.st_size) == 0)
         errno = error;
     return false;
