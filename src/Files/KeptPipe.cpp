@@ -8,19 +8,13 @@
 #include <list>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
-struct KeptPipe
-{
-    CString name;
-    Descriptor copy;
-
-    KeptPipe(const CString& name, int copy) : name(name), copy(copy) {}
-};
-
-// A list, because a Descriptor can't be moved. There are a few at most, so they are searched one by one.
-std::list<KeptPipe> keptPipes;
+// The names and copies. A list, because a Descriptor can't be moved. There are a few at most, so they are searched one
+// by one.
+std::list<std::pair<CString, Descriptor>> keptPipes;
 
 // Returns the descriptor of a new file without a name, -1 with errno. Nothing is left of it, however the process ends.
 // Descriptors below 3 are avoided, because they would be taken for the standard streams.
@@ -62,7 +56,7 @@ bool keepText(const CString& fileName, std::string_view text)
     const int file = makeFile();
     if (file < 0)
         return false;
-    return keptPipes.emplace_back(fileName, file).copy.write(text);
+    return keptPipes.emplace_back(fileName, file).second.write(text);
 }
 
 bool isPipe(const CString& fileName)
@@ -83,9 +77,9 @@ bool keepPipe(const CString& fileName)
 
 CString fileToOpen(const CString& fileName)
 {
-    for (const KeptPipe& kept : keptPipes)
-        if (kept.name == fileName)
+    for (const auto& [name, copy] : keptPipes)
+        if (name == fileName)
             // Opened anew, so that each reader has a position of its own and begins at the start.
-            return "/proc/self/fd/" + std::to_string(kept.copy.get());
+            return "/proc/self/fd/" + std::to_string(copy.get());
     return fileName;
 }
