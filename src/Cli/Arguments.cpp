@@ -197,16 +197,10 @@ void addOtherOptions(CLI::App& app, Arguments& arguments, CString& answer)
         ->check(CLI::IsMember({"bash", "zsh", "fish"}));
 }
 
-} // namespace
-
-// CLI11 reports by exceptions: CLI::Success for --help and its like, CLI::ParseError for an invalid command line.
-// CLI11's own exit status is not used for the latter.
-bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
+// Adds all options. They get the group that is the default when they are added; helpText() prints the groups in its own
+// order.
+void addOptions(CLI::App& app, Arguments& arguments, std::vector<CString>& words, CString& answer)
 {
-    CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
-                 "typeforge-import");
-    app.formatter_fn([](const CLI::App* shown, const CString&, CLI::AppFormatMode) { return helpText(*shown); });
-    // Options get the group that is the default when they are added; helpText() prints the groups in its own order.
     const auto group = [&app](const char* name) -> CLI::App& {
         app.option_defaults()->group(name);
         return app;
@@ -214,8 +208,6 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
     group("Other");
     app.set_version_flag("--version", "typeforge-import " TYPEFORGE_VERSION, "Print the version");
     app.set_help_flag("-h,--help", "Print this help");
-    std::vector<CString> words;
-    CString answer;
     addSourceOptions(group("Input"), arguments, words);
     addLogonOptions(app, arguments.sourceLogon, "--source-user", "odbc: log on to the database as this user",
                     "odbc: read that password from this file's first line");
@@ -226,6 +218,20 @@ bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus
                     "Read the password from this file's first line");
     app.get_option("--user")->excludes("--trusted");
     addOtherOptions(group("Other"), arguments, answer);
+}
+
+} // namespace
+
+// CLI11 reports by exceptions: CLI::Success for --help and its like, CLI::ParseError for an invalid command line.
+// CLI11's own exit status is not used for the latter.
+bool parseArguments(int argc, char** argv, Arguments& arguments, int& exitStatus)
+{
+    CLI::App app("Turn a description of business messages into type definitions for a message\nbroker.",
+                 "typeforge-import");
+    app.formatter_fn([](const CLI::App* shown, const CString&, CLI::AppFormatMode) { return helpText(*shown); });
+    std::vector<CString> words;
+    CString answer;
+    addOptions(app, arguments, words, answer);
     try {
         std::vector<CString> given = argumentsOf(argc, argv, arguments.argumentFiles);
         std::ranges::reverse(given); // parse(vector) expects the last argument first

@@ -285,6 +285,17 @@ CString outputThatWasRead(const Arguments& arguments, const MsgUIDescriptor& imp
     return {};
 }
 
+// Returns why the command line is invalid for these files and this importer; empty if it is valid.
+CString usageErrorFor(const Arguments& arguments, const MsgUIDescriptor& importer, const std::vector<CString>& files)
+{
+    if (const CString usageError = usageErrorFor(arguments, importer); !usageError.empty())
+        return usageError;
+    if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
+        return usageError;
+    const CString file = conflictingOutput(arguments, importer, files);
+    return file.empty() ? file : file + ": it would be read and written, or written twice";
+}
+
 } // namespace
 
 // Takes a copy of the arguments, because folders among the sources are replaced by their files.
@@ -307,12 +318,8 @@ int runImport(Arguments arguments)
     requireFullForFolders(arguments, given, *importer);
     if (arguments.full.name.empty() && importer->readsFolders())
         arguments.full.name = nameOfSet(given, arguments.sources);
-    if (const CString usageError = usageErrorFor(arguments, *importer); !usageError.empty())
+    if (const CString usageError = usageErrorFor(arguments, *importer, files); !usageError.empty())
         return reportUsageError(usageError);
-    if (const CString usageError = arguments.full.usageErrorFor(files.size()); !usageError.empty())
-        return reportUsageError(usageError);
-    if (const CString file = conflictingOutput(arguments, *importer, files); !file.empty())
-        return reportUsageError(file + ": it would be read and written, or written twice");
     // Before the importer, which takes its connection from the main window at its construction.
     std::optional<TableSource> tables;
     if (importer->querySource().readsTables)
