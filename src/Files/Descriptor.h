@@ -30,8 +30,8 @@ private:
     int fd;
 };
 
-/// Makes two faults of the process's files errors of the call that meets them. A standard stream that the process was
-/// started without fails with EBADF; otherwise the next file or connection would get its number, and with it whatever
-/// is written there. A write beyond the limit on file sizes fails with EFBIG, like one on a full disk, and ends no
-/// process. Both programs call it first, before they open anything.
+/// Turns two faults into errors of the calls that meet them. Reading or writing a standard stream that the process was
+/// started without fails with EBADF; otherwise the next file or connection would get its number, and what is written to
+/// the stream. A write beyond the limit on file sizes fails with EFBIG; otherwise a signal would end the process. Both
+/// programs call it first, before they open anything.
 void turnFileFaultsIntoErrors();
