@@ -116,6 +116,7 @@ void DriverHost::open(MessageReader& request, CString& answer)
     putNumber(answer, isOpen);
     for (const SQLUSMALLINT question : {SQL_OWNER_USAGE, SQL_QUALIFIER_USAGE})
         putNumber(answer, isOpen ? static_cast<std::int32_t>(infoNumber(question)) : 0);
+    putNumber(answer, isOpen && isSqlite());
 }
 
 void DriverHost::execute(const CString& sql)

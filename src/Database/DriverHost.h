@@ -13,7 +13,7 @@ class MessageReader;
 /// CDatabase, CRecordset and runSql().
 enum class DriverRequest : std::int32_t
 {
-    open,      ///< (read only, logon seconds, connection string) -> (is open, owner usage, qualifier usage)
+    open,      ///< (read only, logon seconds, connection string) -> (is open, owner usage, qualifier usage, is SQLite)
     execute,   ///< (SQL) -> ()
     catalogue, ///< (function, row shape, then for each call 4 times (is given, text)) -> (CatalogueOutcome, rows)
     run        ///< (SQL, then values) -> (number of columns, then the rows' texts)

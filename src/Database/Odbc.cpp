@@ -107,6 +107,7 @@ bool CDatabase::connect(const CString& connection, Access access, const TlsAttem
         const bool isOpen = reader.number() != 0;
         ownerUsage = reader.number();
         qualifierUsage = reader.number();
+        sqlite = reader.number() != 0;
         if (!isOpen)
             Close();
         return isOpen;

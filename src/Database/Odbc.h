@@ -60,6 +60,9 @@ public:
     bool hasOwners() const { return ownerUsage != 0; }
     bool hasQualifiers() const { return qualifierUsage != 0; }
 
+    /// Returns whether the driver is one for SQLite.
+    bool isSqlite() const { return sqlite; }
+
     /// The time limit for a logon, which drivers enforce if they can. Has no effect on an open connection.
     std::chrono::seconds loginTimeout{15};
 
@@ -74,5 +77,6 @@ private:
 
     std::unique_ptr<DriverProcess> process; // null if not open
     std::int32_t ownerUsage = 0;            // SQL_OWNER_USAGE: a bit for each kind of statement; 0: no owners
-    std::int32_t qualifierUsage = 0;        ///< SQL_QUALIFIER_USAGE
+    std::int32_t qualifierUsage = 0;        // SQL_QUALIFIER_USAGE
+    bool sqlite = false;
 };

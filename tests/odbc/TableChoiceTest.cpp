@@ -125,12 +125,19 @@ TEST(TableChoice, TellsColumnsOfOneKeyAndTextsThatAreCut)
 {
     const TempDir folder;
     const CString source = "Driver=SQLite3;Database=" + folder.path("keys") + ";", cut(255, 'n');
-    for (const CString& table : {CString("ab (c int)"), CString("a (bc int)"), CString("abc (x int)"),
-                                 "n (" + cut + "n int)", cut + "n (x int)"})
+    for (const CString& table :
+         {CString("ab (c int)"), CString("a (bc int)"), CString("abc (x int)"), "n (" + cut + "n int)",
+          cut + "n (x int)", CString("g (\"a\x01\" int, y AS (1) STORED, z AS (1))")})
         Connected(source).database.ExecuteSQL("CREATE TABLE " + table);
     expectAnswers(
         folder, source,
-        {{"-t a -t ab --strict", {1, "", "ab: error: single field read as repeated: a.bc, because of ab.c\n"}},
+        {{"-t g -q -l --report -",
+          {0, "\\g\t\n",
+           "2 losses\ng: column of an unsupported type: y (generated)\ng: column of an unsupported type: z "
+           "(generated)\n"
+           "\n1 detail\ng: name adjusted: a  is a\uFFFD\n\n2 columns left out\n1 name adjusted\n"
+           "1 type, 1 field: 1 typed, 0 left text\n"}},
+         {"-t a -t ab --strict", {1, "", "ab: error: single field read as repeated: a.bc, because of ab.c\n"}},
          {"-t ab -t abc --strict", {1, "", "abc: error: single field read as repeated: ab.c, because of abc\n"}},
          {"-t n --strict",
           {1, "", "n: error: cut short by a bound: a column's name, to 255 bytes: " + CString(169, 'n') + "...\n"}},

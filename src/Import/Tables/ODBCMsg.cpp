@@ -4,6 +4,7 @@
 #include "Base/QELStr.h"
 #include "Database/Columns.h"
 #include "Database/MainWindow.h"
+#include "Database/Statement.h"
 #include "Database/Tables.h"
 
 #include <algorithm>
@@ -115,6 +116,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         columns.Open(nullptr, nullptr, tableName.c_str(), nullptr, CRecordset::snapshot);
     const SourcePlace place{report.addFile(tableName)};
     const TypeModel::Declared table = model.addElement(tableName, basePath, tableName, "", Element::typeRow, nullptr);
+    reportName(tableName, place);
     reportSameKey(table, tableName, place);
     std::set<TableName> read;
     for (columns.MoveFirst(); !columns.IsEOF(); columns.MoveNext()) {
@@ -122,6 +124,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         if (exact && columns.queryTable() != *exact)
             continue;
         read.insert(columns.queryTable());
+        reportName(columns.columnName, place);
         reportCuts(columns, place);
         if (const auto type = elementTypeOf(columns.dataType)) {
             // The key has no separator, because existing documents depend on that.
@@ -137,6 +140,7 @@ void ODBCMessage::createFromTable(CColumns& columns, const CString& tableName, c
         reportEmpty(tableName, place);
     else
         reportTables(tableName, place, read);
+    reportGenerated(*table.element, read, place);
 }
 
 // Reports why a table has no columns. Only the catalogue distinguishes an empty table from one that was dropped since
@@ -151,6 +155,13 @@ void ODBCMessage::reportEmpty(const CString& tableName, SourcePlace place)
         report.add(SourceReport::tableGone, place, tableName);
 }
 
+// Reports a name in which a document can't hold each character or byte.
+void ODBCMessage::reportName(const CString& name, SourcePlace place)
+{
+    if (!isXmlText(name))
+        report.add(SourceReport::nameAdjusted, place, name + " is " + toXmlText(name));
+}
+
 // Reports texts that the recordset has cut.
 void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
 {
@@ -158,6 +169,19 @@ void ODBCMessage::reportCuts(const CColumns& columns, SourcePlace place)
         report.add(SourceReport::cutShort, place, "a column's name, to 255 bytes: " + columns.columnName);
     if (mayBeCut(columns.remarks))
         report.count(SourceReport::documentationCut);
+}
+
+// Reports generated columns, which SQLite's driver doesn't list.
+void ODBCMessage::reportGenerated(const Element& record, const std::set<TableName>& read, SourcePlace place)
+{
+    CDatabase* const database = databaseOf(mainWindow);
+    if (!database || !database->isSqlite())
+        return;
+    for (const TableName& table : read)
+        for (const auto& row :
+             runSql(*database, "SELECT name FROM pragma_table_xinfo(?) WHERE hidden IN (2, 3)", {table.name}))
+            if (std::ranges::find(record.queryChildren(), row[0], &Element::queryName) == record.queryChildren().end())
+                report.add(SourceReport::columnSkipped, place, row[0] + " (generated)");
 }
 
 // Reports a column or a record, called `name`, whose usage key a field of another record or a record has: AB.C, A.BC

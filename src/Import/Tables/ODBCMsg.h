@@ -55,7 +55,9 @@ public:
 private:
     void createFromTable(CColumns& columns, const CString& tableName, const CString& basePath);
     void reportEmpty(const CString& tableName, SourcePlace place);
+    void reportName(const CString& name, SourcePlace place);
     void reportCuts(const CColumns& columns, SourcePlace place);
+    void reportGenerated(const Element& record, const std::set<TableName>& read, SourcePlace place);
     void reportSameKey(const TypeModel::Declared& made, const CString& name, SourcePlace place);
     const TableName* exactTable(const CString& tableName) const;
     void reportTables(const CString& tableName, SourcePlace place, const std::set<TableName>& read);
