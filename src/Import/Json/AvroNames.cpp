@@ -60,7 +60,7 @@ void AvroTypes::declareAll(Index document)
     if (tree.find(document, JsonWord::protocol) == 0)
         return declareAll({document, 0});
     const NameTable::Id space = tree[tree.find(document, JsonWord::namespaceWord, JsonNode::string)].text;
-    declareAll({findOptional(document, JsonWord::types, JsonNode::array), space});
+    declareAll({find(document, JsonWord::types, JsonNode::array, true), space});
     // Messages may declare types, too.
     for (const Index message : tree.childrenOf(document, JsonWord::messages, JsonNode::object)) {
         for (const Index at : tree.childrenOf(message, JsonWord::request, JsonNode::array))

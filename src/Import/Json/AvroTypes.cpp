@@ -17,24 +17,19 @@ constexpr std::size_t kMaxSteps = 20'000'000; // see spendStep()
 
 } // namespace
 
-// Returns the member that a schema or a field must have; 0 and a loss if it is missing or of another kind.
-JsonNode::Index AvroTypes::find(Index schema, JsonWord key, JsonNode::Kind kind)
+// Returns a member of a schema, field or protocol, `none` allows any kind; 0 and a loss if it is of another kind, or
+// missing though it must be there.
+JsonNode::Index AvroTypes::find(Index holder, JsonWord key, JsonNode::Kind kind, bool isOptional)
 {
-    const Index found = tree.find(schema, key);
-    const bool isRight = found != 0 && (kind == JsonNode::none || tree.is(found, kind));
-    if (!isRight)
-        documents.note(SourceReport::malformedDeclaration, schema,
-                       "no " + CString(tree.names[static_cast<NameTable::Id>(key)]));
-    return isRight ? found : 0;
-}
-
-// The same for a member that may be missing.
-JsonNode::Index AvroTypes::findOptional(Index schema, JsonWord key, JsonNode::Kind kind)
-{
-    const Index found = tree.find(schema, key);
-    if (found != 0 && !tree.is(found, kind))
-        documents.note(SourceReport::invalidValue, found, tree.names[static_cast<NameTable::Id>(key)]);
-    return tree.is(found, kind) ? found : 0;
+    const Index found = tree.find(holder, key);
+    if (found != 0 && (kind == JsonNode::none || tree.is(found, kind)))
+        return found;
+    const CString name(tree.names[static_cast<NameTable::Id>(key)]);
+    if (!isOptional)
+        documents.note(SourceReport::malformedDeclaration, holder, "no " + name);
+    else if (found != 0)
+        documents.note(SourceReport::invalidValue, found, name);
+    return 0;
 }
 
 // Any JSON could be an Avro schema with an unknown type, so at least one known type is required.
@@ -104,7 +99,7 @@ void AvroTypes::readProtocol(Index protocol)
 {
     const Index space = tree.find(protocol, JsonWord::namespaceWord, JsonNode::string);
     readDeclared({});
-    const Index messages = findOptional(protocol, JsonWord::messages, JsonNode::object);
+    const Index messages = find(protocol, JsonWord::messages, JsonNode::object, true);
     for (const Index at : tree.childrenOf(messages))
         readMessage(at, tree[space].text);
     if (tree[messages].firstChild == 0)
@@ -135,7 +130,7 @@ void AvroTypes::readMessage(Index member, NameTable::Id space)
             names.addCandidate(*shapeOf({{response, space}}, called, SourceTypes::kNone), {}, tree[response].place);
         }
     }
-    if (const Index errors = findOptional(message, JsonWord::errors, JsonNode::array); names.isWanted(errors))
+    if (const Index errors = find(message, JsonWord::errors, JsonNode::array, true); names.isWanted(errors))
         checkNames(sortByKind({{errors, space}}).leaves);
 }
 

@@ -69,8 +69,7 @@ private:
     bool declare(Scoped& at);
     NameTable::Id spaceOf(Scoped at);
     bool isSame(Scoped one, Scoped other);
-    Index find(Index schema, JsonWord key, JsonNode::Kind kind = JsonNode::none);
-    Index findOptional(Index schema, JsonWord key, JsonNode::Kind kind);
+    Index find(Index holder, JsonWord key, JsonNode::Kind kind = JsonNode::none, bool isOptional = false);
     void readMessage(Index member, NameTable::Id space);
     void readDeclared(std::string_view name);
     FullName fullNameOf(std::string_view name, NameTable::Id space);
