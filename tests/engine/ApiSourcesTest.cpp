@@ -472,6 +472,12 @@ TEST_F(OpenApi, RefusesManyCallbacksOfALongName)
                 testing::ElementsAre(folder.path("x") + ": more than 256 MB of names, which is the limit."));
 }
 
+TEST_F(JsonData, TellsOfALoneSurrogateInAKeyOnce)
+{
+    EXPECT_EQ(import(times(3, R"({"\ud800":"\ud800"})")), 1);
+    EXPECT_EQ(countsOf(message), "; 1 name adjusted");
+}
+
 TEST_F(JsonData, FindsFaultsBehindMessagesThatItSkips)
 {
     const std::pair<CString, CString> rows[] = {

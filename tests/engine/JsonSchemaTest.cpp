@@ -107,8 +107,8 @@ const Rule kRules[] = {
         "definitions":{"b":{"$id":"http://x/a/b.json","type":"number"},"c":{"$id":"http://y/b.json","enum":["wrong"]}}})",
      "r(a:Number) c{wrong}"},
     {"Escapes",
-     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/a~1b~0%25"},"\u0062\n\ud800\u0041":{"type":"number"}},"$defs":{"a/b~%":{"type":"number"}}})",
-     "r(a:Number b\n\uFFFDA:Number)"},
+     R"({"title":"r","properties":{"a":{"$ref":"#/$defs/a~1b~0%25"},"\u0062\n\ud800\ud83d\ude00":{"type":"number"}},"$defs":{"a/b~%":{"type":"number"}}})",
+     "r(a:Number b\n\uFFFD\U0001F600:Number)"},
     {"SiblingsOfAReference",
      R"({"title":"r","properties":{"a":{)" A_REF R"(,"properties":{"y":{}}},"b":{)" A_REF
      R"(,"description":"d"}},"$defs":{)" A_RECORD "}}",
@@ -270,7 +270,7 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
   "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
   "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]},
-  "q":{"title":" ","description":"One. Two.","format":"uri","contentEncoding":"base64"},"s":{"const":"x\u0001","title":"S","description":"no"}},
+  "q":{"title":" ","description":"One. Two.","format":"uri","contentEncoding":"base64"},"s":{"const":"x\u0001","title":"S","description":"no"},"\ud800t":{}},
   "then":{"additionalProperties":{"type":"string"}}})"),
               1);
     EXPECT_EQ(reportOf(message, folder.path()), R"(14 losses
@@ -289,7 +289,8 @@ x.json:9:36: unknown type, imported as text: r.avsc in Avro at #/properties/o
 x.json:9:50: values of different kinds: #/properties/p
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
-36 details
+38 details
+x.json:10:144: name adjusted: �t
 x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
 x.json:10:93: name adjusted: x  is x�
@@ -301,10 +302,10 @@ x.json:10:93: name adjusted: x  is x�
 1 document not readable
 1 document not well-formed
 1 key given twice
-21 optional parts
+22 optional parts
 6 facets
+3 names adjusted
 3 choices
-2 names adjusted
 2 documentations cut short
 1 part that may not occur
 1 default value

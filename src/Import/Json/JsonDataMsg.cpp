@@ -168,7 +168,10 @@ private:
     Index enterMember(const JsonScanner& scanner)
     {
         Open& object = open.back();
+        const std::size_t before = shapes.size();
         const Index member = memberOf(object.shape, object.last, scanner.text());
+        if (shapes.size() > before && scanner.hasLoneSurrogate())
+            report.add(SourceReport::nameAdjusted, {file, scanner.line(), scanner.column()}, scanner.text());
         // Each object has a number, so comparing the last holder of the key finds a key that is given twice.
         if (std::exchange(shapes[member].holder, object.number) == object.number)
             report.add(SourceReport::keyTwice, {file, scanner.line(), scanner.column()}, scanner.text());

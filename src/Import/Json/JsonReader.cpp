@@ -79,6 +79,12 @@ public:
             dropDuplicates(level.node);
     }
 
+    // Reports a text in which a character was replaced.
+    void noteAdjusted(std::string_view text, std::uint32_t line, std::uint32_t column)
+    {
+        report.add(SourceReport::nameAdjusted, {document, line, column}, text);
+    }
+
     // Returns whether a node is an array or object that is still open.
     bool isOpen(Index node) const { return std::ranges::find(open, node, &Level::node) != open.end(); }
 
@@ -176,6 +182,8 @@ Index readJson(std::string_view text, JsonBuilder& builder, bool withComments)
     JsonScanner scanner(text, withComments);
     for (JsonScanner::Token token; (token = scanner.next()) != JsonScanner::end;) {
         const JsonNode::Kind kind = kinds[token];
+        if ((token == JsonScanner::key || kind == string) && scanner.hasLoneSurrogate())
+            builder.noteAdjusted(scanner.text(), scanner.line(), scanner.column());
         if (token == JsonScanner::key)
             builder.key(scanner.text());
         else if (kind == none)

@@ -217,6 +217,7 @@ void JsonScanner::scanString(bool isKey)
     const std::size_t longest = file && !isKey ? kLongText : CString::npos;
     bool hasEscapes = false;
     unescaped.clear();
+    isReplaced = false;
     kept = ++at;
     const auto takePiece = [&] {
         if (unescaped.size() < longest)
@@ -242,6 +243,7 @@ void JsonScanner::scanString(bool isKey)
         if (c == '\\') {
             takePiece();
             scanEscape();
+            unescaped.resize(std::min(unescaped.size(), longest));
             kept = at;
         } else if (static_cast<unsigned char>(c) < ' ') {
             fail("a string holds a control character");
@@ -260,12 +262,10 @@ void JsonScanner::scanString(bool isKey)
     ++at;
 }
 
-// Scans an escape. A surrogate without its other half becomes U+FFFD: RFC 8259, 8.2 allows such strings, but UTF-8
-// can't hold them.
+// Scans an escape. A surrogate without its other half becomes U+FFFD: RFC 8259, 8.2 allows such strings.
 void JsonScanner::scanEscape()
 {
     constexpr std::string_view letters = "\"\\/bfnrt", meanings = "\"\\/\b\f\n\r\t";
-    constexpr std::uint32_t replacement = 0xFFFD;
     kept = at++;
     const char c = peek();
     if (c != 'u') {
@@ -277,22 +277,28 @@ void JsonScanner::scanEscape()
         return;
     }
     ++at;
+    constexpr std::uint32_t firstHigh = 0xD800, firstLow = 0xDC00, behindLow = 0xE000, replacement = 0xFFFD;
+    const auto isSurrogate = [](std::uint32_t code) { return code >= firstHigh && code < behindLow; };
+    const auto isEscapeNext = [this] {
+        while (data.size() - at < 2 && refill()) {
+        }
+        return data.substr(at).starts_with("\\u");
+    };
     std::uint32_t code = scanHex();
-    const bool isHighSurrogate = code >= 0xD800 && code < 0xDC00;
-    // Only a high surrogate needs another escape after it.
-    while (isHighSurrogate && data.size() - at < 2 && refill()) {
-    }
-    if (isHighSurrogate && data.substr(at).starts_with("\\u")) {
-        at += 2;
+    // Only a high surrogate needs the escape after it.
+    while (isSurrogate(code) && code < firstLow && isEscapeNext()) {
+        kept = at += 2;
         const std::uint32_t low = scanHex();
-        if (low >= 0xDC00 && low < 0xE000) {
-            code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+        if (isSurrogate(low) && low >= firstLow) {
+            code = 0x10000 + ((code - firstHigh) << 10) + (low - firstLow);
         } else {
             appendUtf8(unescaped, replacement);
+            isReplaced = true;
             code = low;
         }
     }
-    appendUtf8(unescaped, code >= 0xD800 && code < 0xE000 ? replacement : code);
+    isReplaced |= isSurrogate(code);
+    appendUtf8(unescaped, isSurrogate(code) ? replacement : code);
 }
 
 // Scans the digits of an escape. Any of them may be in the next piece of the file.

@@ -114,6 +114,10 @@ public:
     /// of next().
     std::string_view text() const { return token; }
 
+    /// Returns whether a key or string contains U+FFFD instead of a surrogate without its other half, which UTF-8 can't
+    /// hold.
+    bool hasLoneSurrogate() const { return isReplaced; }
+
     /// Return the place of the token, counted from 1; columns in bytes.
     std::uint32_t line() const { return tokenLine; }
     std::uint32_t column() const { return tokenColumn; }
@@ -188,6 +192,7 @@ private:
     std::uint32_t tokenColumn = 1;
     std::string_view token;
     CString unescaped;          // holds the token if it isn't in the text as it is
+    bool isReplaced = false;    // see hasLoneSurrogate()
     std::vector<bool> isObject; // for each open container
     State state = value;
 };
