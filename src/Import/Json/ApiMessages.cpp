@@ -194,6 +194,14 @@ private:
         return name;
     }
 
+    // Reports the keys of a part that no version has.
+    void checkKeys(Index part)
+    {
+        for (const Index at : tree.childrenOf(part))
+            if (!isApiKey(tree.key(at)) && !isExtension(at))
+                documents.note(SourceReport::unknownStatement, at, tree.key(at));
+    }
+
     // `prefix` begins the names of operations without one.
     void readPaths(Index paths, const CString& prefix)
     {
@@ -208,6 +216,7 @@ private:
         for (const Index item : {tree.target(path), partOf(path)}) {
             if (!isNew(item))
                 continue;
+            checkKeys(item);
             const auto read = [&](Index at) {
                 readOperation(partOf(at), spend(CString(tree.key(at)) + "_" + prefix + CString(tree.key(path))));
             };
@@ -223,6 +232,7 @@ private:
     {
         if (!isNew(operation))
             return;
+        checkKeys(operation);
         // Without an operationId, the method and the path identify an operation.
         const std::string_view id = tree.textOf(operation, JsonWord::operationId);
         const CString called = id.empty() ? nameOf(name) : CString(id);
@@ -245,8 +255,12 @@ private:
     // A body has one schema for each media type, and one for each item of a stream.
     void readBody(Index body, const CString& name)
     {
+        checkKeys(body);
+        if (const Index misplaced = tree.find(body, JsonWord::schema)) // as in Swagger 2.0
+            documents.note(SourceReport::misplacedStatement, misplaced, "schema");
         for (const Index at : membersOf(body, JsonWord::content)) {
             const Index media = partOf(at);
+            checkKeys(media);
             for (const JsonWord word : {JsonWord::schema, JsonWord::itemSchema}) {
                 const Index schema = tree.find(media, word);
                 if (schema == 0 || !isNew(schema))
@@ -264,8 +278,10 @@ private:
     void readChannel(Index channel, std::string_view name)
     {
         const CString called = nameOf(name);
+        checkKeys(channel);
         for (const JsonWord operation : {JsonWord::publish, JsonWord::subscribe}) {
             const Index holder = partOf(tree.find(channel, operation));
+            checkKeys(holder);
             const Index message = tree.find(holder, JsonWord::message);
             const std::string_view id = tree.textOf(holder, JsonWord::operationId);
             const CString own = id.empty() ? called : CString(id);
@@ -293,6 +309,7 @@ private:
     {
         if (message == 0 || !isNew(message))
             return;
+        checkKeys(message);
         // The last one found is used, so `name` takes precedence.
         for (const JsonWord word : {JsonWord::messageId, JsonWord::name})
             if (const std::string_view said = tree.textOf(message, word); !said.empty())

@@ -117,6 +117,8 @@ void AvroTypes::readMessage(Index member, NameTable::Id space)
     const Index request = tree.find(message, JsonWord::request, JsonNode::array);
     if (request == 0 && names.isWanted(message))
         documents.note(SourceReport::malformedDeclaration, message, "no request");
+    if (tree.find(message, "one-way") == 0 && names.isWanted(message))
+        find(message, JsonWord::response);
     if (tree[request].firstChild != 0 && names.isWanted(request)) {
         const SourceTypes::Type type =
             recordOf({{request, space}}, names.toModelName(name + "Request", member), SourceTypes::kNone);

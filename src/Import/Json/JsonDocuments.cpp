@@ -143,8 +143,11 @@ void JsonDocuments::findIdentifiers(Index first, bool isDraft4)
         if (node.kind != JsonNode::string || around != JsonNode::statement)
             continue;
         const JsonWord key = tree.keyOf(at);
+        // The identifier of a whole document, since OpenAPI 3.2.
+        const bool isSelf =
+            key == JsonWord::self && tree[node.parent].parent == 0 && tree.find(node.parent, JsonWord::openapi) != 0;
         const bool isIdentifier = isOneOf(key, {JsonWord::dollarId, JsonWord::anchor, JsonWord::dynamicAnchor}) ||
-                                  (isDraft4 && key == JsonWord::id);
+                                  (isDraft4 && key == JsonWord::id) || isSelf;
         if (isIdentifier && !(documents[node.place.file].ignoresSiblings &&
                               tree.find(node.parent, JsonWord::ref, JsonNode::string) != 0))
             identified.push_back(at);

@@ -91,6 +91,19 @@ std::string_view importerOfJson(std::string_view start)
     return text.starts_with('{') || text.starts_with('[') ? "json" : "";
 }
 
+bool isApiKey(std::string_view key)
+{
+    // clang-format off
+    return isOneOf(key, {
+        "$ref", "additionalOperations", "address", "bindings", "callbacks", "content", "contentType", "correlationId",
+        "delete", "deprecated", "description", "encoding", "example", "examples", "externalDocs", "get", "head",
+        "headers", "itemEncoding", "itemSchema", "links", "message", "messageId", "messages", "name", "oneOf",
+        "operationId", "options", "parameters", "patch", "payload", "post", "prefixEncoding", "publish", "put", "query",
+        "requestBody", "required", "responses", "schema", "schemaFormat", "security", "servers", "subscribe",
+        "summary", "tags", "title", "trace", "traits"});
+    // clang-format on
+}
+
 bool isAvroType(std::string_view type)
 {
     return isOneOf(type, {"record", "error", "enum", "fixed"});

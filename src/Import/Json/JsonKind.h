@@ -7,6 +7,10 @@
 /// end anywhere. Ids are those of the table of importers.
 std::string_view importerOfJson(std::string_view start);
 
+/// Returns whether a part of an API description may have a key: a path, operation, body, channel or message of OpenAPI
+/// 3 or AsyncAPI 2 and 3.
+bool isApiKey(std::string_view key);
+
 /// Returns whether the type of a schema is one of Avro's with a name, which JSON Schema doesn't have.
 bool isAvroType(std::string_view type);
 

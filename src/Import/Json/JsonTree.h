@@ -34,7 +34,7 @@
 // their orders agree.
 #define JSON_OTHER_WORDS(WORD) \
     WORD(ref, "$ref") WORD(dynamicRef, "$dynamicRef") WORD(recursiveRef, "$recursiveRef") \
-    WORD(schemaVersion, "$schema") WORD(dollarId, "$id") WORD(anchor, "$anchor") \
+    WORD(schemaVersion, "$schema") WORD(dollarId, "$id") WORD(self, "$self") WORD(anchor, "$anchor") \
     WORD(dynamicAnchor, "$dynamicAnchor") WORD(defs, "$defs") WORD(ifWord, "if") WORD(elseWord, "else") \
     WORD(enumWord, "enum") WORD(constWord, "const") WORD(defaultWord, "default") WORD(notWord, "not") \
     WORD(namespaceWord, "namespace") WORD(nullWord, "null") WORD(dateTime, "date-time")
