@@ -316,7 +316,8 @@ TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
 {
     EXPECT_EQ(importSchema(R"({"title":" The\n r ","description":"no","properties":{
         "a":{"description":"It is 1.5 long, e.g. so. No more."},"b":{"$ref":"#/$defs/B"},"c":{"title":"C","description":"no"},
-        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"},{"const":"z","description":"Of z. No."}]},"e":{"title":"E","const":"w"}},"$defs":{"B":{"description":"Of B","type":"number"}}})"),
+        "d":{"oneOf":[{"const":"x","title":"Of x"},{"const":"y"},{"const":"z","description":"Of z. No."}]},"e":{"title":"E","const":"w"},"f":{"title":"F"}},
+        "allOf":[{"properties":{"f":{"title":"no","type":"number"}}}],"$defs":{"B":{"description":"Of B","type":"number"}}})"),
               1);
     CString said;
     message.beginEnum();
@@ -324,7 +325,7 @@ TEST_F(JsonSchema, DescribesByTitleOrFirstSentence)
         for (const Element* child : type->queryChildren())
             said += child->queryDescription() + ";";
     EXPECT_EQ(said, "w (Automatically created);Of x;y (Automatically created);Of z.;It is 1.5 long, e.g. so.;Of B;C;d "
-                    "(Automatically created);E;");
+                    "(Automatically created);E;F;");
     EXPECT_EQ(message.queryMainTypeName(), "The_r");
     message.setRoot("A");
     EXPECT_EQ(importSchema(

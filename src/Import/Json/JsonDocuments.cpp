@@ -378,7 +378,6 @@ bool JsonDocuments::isDeclared(Index schema) const
            isOneOf(tree.keyOf(parent), {JsonWord::defs, JsonWord::definitions, JsonWord::schemas});
 }
 
-// Returns the first of the document's schemas that a made one combines; of other nodes themselves.
 JsonNode::Index JsonDocuments::originOf(Index node) const
 {
     Index made = node;

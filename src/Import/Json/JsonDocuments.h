@@ -62,6 +62,9 @@ public:
     /// Returns whether a node was made by a reader: it has no parent, but is not the root of a document.
     bool isMade(Index node) const { return tree[node].parent == 0 && rootOf(node) != node; }
 
+    /// Returns the first of the document's schemas that a made one combines; any other node itself.
+    Index originOf(Index node) const;
+
     /// Returns whether a schema is declared by name, or is the whole document.
     bool isDeclared(Index schema) const;
 
@@ -107,7 +110,6 @@ private:
     std::optional<FoundFile> findFile(const CString& folder, const CString& resolved, std::string_view uri,
                                       CString& path);
     Index readNamed(const FoundFile& file, const CString& path, Index holder);
-    Index originOf(Index node) const;
     Index followFragment(Index resource, std::string_view fragment) const;
     Index followPointer(Index from, std::string_view pointer) const;
 

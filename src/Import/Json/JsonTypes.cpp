@@ -225,7 +225,8 @@ void JsonTypes::addRequired(const JsonContent& content)
 SourceTypes::Field JsonTypes::fieldOf(std::string_view name, Index schema, SourceTypes::Index record)
 {
     const Shape shape = shapeOf(schema, name, record);
-    return {name, describe(schema), shape.type, SourceTypes::roleElement, shape.depth};
+    // If schemas of several parts are combined, the first one describes the field.
+    return {name, describe(documents.originOf(schema)), shape.type, SourceTypes::roleElement, shape.depth};
 }
 
 std::string_view JsonTypes::descriptionOf(Index text, bool isFirstSentence)
