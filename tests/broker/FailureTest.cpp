@@ -226,6 +226,21 @@ TEST_F(Postgres, PasswordIsNowhereInMemoryWhenTheSessionIsOver)
 
 #endif
 
+TEST_F(Postgres, ATypeThatTheTableNeitherTakesNorShowsFails)
+{
+    execute("CREATE DATABASE typeforge", "postgres");
+    BrokerSession session;
+    ASSERT_EQ("", open(session, server.user, server.password));
+    execute("CREATE FUNCTION drop_row() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; CREATE TRIGGER t "
+            "BEFORE "
+            "INSERT ON typeforge_types FOR EACH ROW WHEN (new.name LIKE '%e1') EXECUTE FUNCTION drop_row()");
+    Types types(dtdOf(40));
+    const Creation run(session, types.message);
+    EXPECT_EQ("e1 - creation error", run.lines[1]);
+    EXPECT_EQ(1, run.errors);
+    EXPECT_EQ(40u, rowsOf(server.connection("typeforge"), server.logon()).size());
+}
+
 TEST_F(Postgres, GoneInTheMiddleLeavesWholeTypesAndSaysWhy)
 {
     execute("CREATE DATABASE typeforge", "postgres");

@@ -16,6 +16,10 @@ namespace {
 // Fewer types are stored faster one by one, because the server compiles the program for each batch.
 constexpr std::size_t kMinBatch = 32;
 
+// A type that another program changes between two statements is tried again. More often than this, it is the table that
+// drops or hides rows, by a trigger or a policy.
+constexpr int kMaxAttempts = 100;
+
 // Commits synchronously, which waits until this and all earlier commits are on disk. The logical message gives the
 // commit something to write. A stronger setting of the administrator than `on` is kept.
 constexpr char kFinish[] = "SELECT set_config('synchronous_commit', "
@@ -93,11 +97,10 @@ std::vector<StoreOutcome> TypeStore::storeBatch(std::span<const NamedDocument> t
     }
 }
 
-// Stores one type. Repeats if another program changed the type between two statements. It ends, because each repetition
-// is caused by a change of another program.
+// Stores one type. Repeats if another program changed the type between two statements.
 StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& mark, ExistingRules rules)
 {
-    for (;;) {
+    for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
         if (!run(insertStatement(table), {type.name, type.document, mark.source, mark.time}).empty())
             return {StoreOutcome::created};
         const SqlRows rows = run(findStatement(table), {type.document, type.name});
@@ -117,6 +120,7 @@ StoreOutcome TypeStore::storeOne(const NamedDocument& type, const SourceMark& ma
         lastStopped = found;
         return {isSame ? StoreOutcome::unchanged : StoreOutcome::exists, {source, time}};
     }
+    throw CDBException("S1000", 0, "The table typeforge_types neither takes the type nor shows it");
 }
 
 SqlRows TypeStore::run(const CString& sql, Values values)
