@@ -86,7 +86,6 @@ int CRecordset::run(unsigned short function, const std::vector<Arguments>& calls
         return 0;
     // The rows stay packed, and moveTo() unpacks one at a time: a catalogue can have very many.
     rows = answer.erase(0, answer.size() - reader.size());
-    beginOfFile = endOfFile = rows->empty();
     MoveFirst();
     return 1;
 }
