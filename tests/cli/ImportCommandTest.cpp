@@ -205,6 +205,8 @@ TEST_F(ImportCommand, AnswersExactly)
          "schemas:\n    B: "
          "{properties: {x: {}}}\nopenapi: 3.0.0\n' $a >s.yaml; $import s.json -l; $import s.yaml -l",
          {0, "\\sys\\json\\A\\A\tA (Automatically created)\n\\sys\\json\\B\\B\tB (Automatically created)\n", ""}},
+        {"printf 'components:\n  schemas: {A: {}}\n' >v.yaml; $import v.yaml",
+         {1, "", "v.yaml: error: it is neither an OpenAPI nor an AsyncAPI document\n"}},
         {"$import jsonschema j.json --catalog c", {2, "", mistake("--catalog: jsonschema reads no catalogues")}},
         {"printf '<definitions><a/></definitions>' >w.xml; $import -l w.xml | head -c 9", {0, "\\sys\\xml\\", ""}},
         {"printf '/* a */ syntax = \"proto3\";\nmessage M {}\n' >m.txt; printf '//\n{\"type\":\"enum\",\"name\":\"E\","

@@ -26,11 +26,11 @@ bool readStart(std::string_view start, JsonTree& tree)
     }
 }
 
-bool isApi(const JsonTree& tree, Index object, bool isWhole)
+// With `mayBePart`, the components of a description are enough.
+bool isApi(const JsonTree& tree, Index object, bool mayBePart)
 {
     bool isFound = tree.hasAny(object, {JsonWord::openapi, JsonWord::asyncapi, JsonWord::swagger});
-    // If the keys are sorted, "openapi" follows components, which may be large.
-    if (!isWhole)
+    if (mayBePart)
         for (const Index at : tree.childrenOf(object, JsonWord::components, JsonNode::object))
             isFound |= tree.is(at, JsonNode::object) &&
                        isOneOf(tree.key(at), {"callbacks", "examples", "headers", "links", "parameters", "pathItems",
@@ -72,7 +72,9 @@ bool isSchema(const JsonTree& tree, Index node)
 std::string_view importerOfJson(std::string_view start)
 {
     JsonTree tree;
-    const bool isWhole = readStart(start, tree);
+    const std::string_view text = trimmed(start);
+    // If the keys are sorted, "openapi" follows components, which may be large. Whole JSON without it may be a message.
+    const bool mayBePart = !readStart(start, tree) || !beginsLikeJson(text);
     // A file may be a list of Avro's named types, so the keys of a list are those of its items.
     const auto isAny = [&](auto test) {
         Index at = tree.size() > 1 ? 1 : 0;
@@ -81,13 +83,12 @@ std::string_view importerOfJson(std::string_view start)
                 return true;
         return false;
     };
-    if (isAny([&](Index object) { return isApi(tree, object, isWhole); }))
+    if (isAny([&](Index object) { return isApi(tree, object, mayBePart); }))
         return "openapi";
     if (isAny([&](Index object) { return isAvro(tree, object); }))
         return "avro";
     if (isAny([&](Index object) { return isSchema(tree, object); }))
         return "jsonschema";
-    const std::string_view text = trimmed(start);
     return text.starts_with('{') || text.starts_with('[') ? "json" : "";
 }
 
