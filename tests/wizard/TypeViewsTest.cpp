@@ -50,12 +50,11 @@ struct TypesDesk : Desk
 };
 
 // Returns what the tree shows with rows opened down to `depth`: "name:type", with the rows below in brackets.
-CString opened(const QTreeView& tree, const QModelIndex& index, int depth)
+CString opened(QTreeView& tree, const QModelIndex& index, int depth)
 {
-    QAbstractItemModel& model = *tree.model();
+    const QAbstractItemModel& model = *tree.model();
     CString text;
-    if (model.canFetchMore(index))
-        model.fetchMore(index);
+    tree.expand(index);
     for (int row = 0; row < model.rowCount(index); ++row) {
         const QModelIndex name = model.index(row, 0, index);
         text += (row > 0 ? " " : "") + name.data().toString().toStdString();
