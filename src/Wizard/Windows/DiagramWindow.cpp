@@ -94,8 +94,7 @@ QWidget* DiagramWindow::makeButtons()
     addButton(*row, "zoomIn", tr("Zoom &in"), "+", view, [this] { view->zoom(1); });
     addButton(*row, "zoomOut", tr("Zoom &out"), "-", view, [this] { view->zoom(-1); });
     addButton(*row, "showAll", tr("Show &all"), "0", view, &DiagramView::showAll);
-    addKeys(addButton(*row, "save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), this,
-                      qOverload<>(&DiagramWindow::save)),
+    addKeys(addButton(*row, "save", tr("&Save ..."), tr("Saves the picture as SVG or PNG"), this, &DiagramWindow::save),
             QKeySequence::Save);
     addCloseButton(*row);
 
@@ -260,15 +259,21 @@ bool DiagramWindow::areTypesThere()
 }
 
 // SvgWanted starts the dialog again, because a file of another type needs another name. The exception leaves the file
-// that was chosen first as it was.
+// that was chosen first as it was. The name stays empty if the user cancels the dialog, and on failure.
 void DiagramWindow::save()
 {
+    std::vector<FileFilter> filters = {{"SVG pictures", "*.svg"}, {"PNG pictures", "*.png"}};
+    const auto saveByDialog = [&] {
+        return saveUnderChosenName(*this, "Save the picture", filters, fromUi(name) + ".svg",
+                                   [this](const CString& chosen) { return bytesFor(chosen); });
+    };
     CString fileName;
     try {
         try {
-            fileName = save(false);
+            fileName = saveByDialog();
         } catch (const SvgWanted&) {
-            fileName = save(true);
+            filters.pop_back();
+            fileName = saveByDialog();
         }
     } catch (const Cancelled&) {
         return status->setText(tr("The picture was not saved."));
@@ -277,16 +282,6 @@ void DiagramWindow::save()
     }
     if (!fileName.empty())
         status->setText(tr("Saved as %1.").arg(toUi(fileName)));
-}
-
-// Returns the name of the saved file; "" if the user cancels the dialog, or on failure.
-CString DiagramWindow::save(bool isSvgOnly)
-{
-    std::vector<FileFilter> filters = {{"SVG pictures", "*.svg"}, {"PNG pictures", "*.png"}};
-    if (isSvgOnly)
-        filters.pop_back();
-    return saveUnderChosenName(*this, "Save the picture", filters, fromUi(name) + ".svg",
-                               [this](const CString& chosen) { return bytesFor(chosen); });
 }
 
 // Returns the bytes of the file. Throws Cancelled and SvgWanted. The suffix decides, because the dialog gives each file

@@ -52,7 +52,6 @@ private:
     // Returns the text of the status line about the number of types.
     QString countOf(std::size_t types, bool isComplete) const;
     void save();
-    CString save(bool isSvgOnly);
     CString bytesFor(const CString& fileName);
     bool wantsSvgInstead();
 
