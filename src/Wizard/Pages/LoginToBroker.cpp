@@ -121,13 +121,7 @@ QWidget* LoginToBroker::makeLogonGroup()
     form->addRow(brokerButton);
     form->addRow("Broker &username", userCombo);
     form->addRow("Broker &password", passwordEdit);
-    if (wizard->options.queryUseTrustedLogon()) {
-        trustedButton->setChecked(true);
-        OnLogonTrusted();
-    } else {
-        brokerButton->setChecked(true);
-        OnLogonBroker();
-    }
+    (wizard->options.queryUseTrustedLogon() ? trustedButton : brokerButton)->click();
     return group;
 }
 
