@@ -260,7 +260,7 @@ LRESULT SourcePage::OnWizardNext()
         catalogRow->isHidden() ? CString() : catalogError(absoluteSourcesIn(fromUi(catalogEdit->text())));
     if (!faultyCatalog.empty()) {
         catalogEdit->setFocus();
-        return stay(loadText(IDS_SELECT_SOURCE), faultyCatalog);
+        return stay(IDS_SELECT_SOURCE, faultyCatalog);
     }
     const bool isSet = names.size() > 1 || isFolder(names.front());
     wizard->options.setSetLast(isSet);
