@@ -21,9 +21,10 @@ void SourceTypePage::OnInitDialog()
     importerList =
         withId(IDC_IMPORTERS,
                new ListView({{loadText(IDS_COLUMN_NAME), 30}, {loadText(IDS_COLUMN_DESCRIPTION), 65}}, "Importers"));
-    while (g_amud[importerCount] != nullptr)
-        ++importerCount;
-    importerList->setRows(importerCount, [](int row, int column) {
+    int importers = 0;
+    while (g_amud[importers] != nullptr)
+        ++importers;
+    importerList->setRows(importers, [](int row, int column) {
         return column == 0 ? g_amud[row]->getName() : g_amud[row]->getDescription();
     });
     connect(importerList, &ListView::chosen, this, &SourceTypePage::OnClickSource);

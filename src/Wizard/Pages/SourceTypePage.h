@@ -27,7 +27,6 @@ private:
     QWidget* makePathGroup();
 
     ListView* importerList = nullptr;
-    int importerCount = 0; // of the table, and rows of the list
     QLineEdit* pathEdit = nullptr;
     CString objectPath;       // the base path last shown or confirmed
     QString typedPath;        // the typed path that the last click has replaced
