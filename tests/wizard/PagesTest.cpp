@@ -1,5 +1,6 @@
 #include "Files/AtomicFile.h"
-#include "Files/TemporaryFiles.h"
+#include "Files/Descriptor.h"
+#include "Files/TemporaryFile.h"
 #include "TestFolders.h"
 #include "wizard/Desk.h"
 
@@ -369,12 +370,11 @@ TEST(TypesPage, TakesTheFilesInHandAlongWhereASignalEndsIt)
         TempDir dir;
         const pid_t child = ::fork();
         if (child == 0) {
-            TemporaryFiles files;
-            CString name;
+            TemporaryFile files[3];
             std::filesystem::current_path(dir.path());
             const AtomicFile output(dir.path("QEL_output"));
-            for (int i = 0; i < 3; ++i)
-                files.add(".", "x", name);
+            for (TemporaryFile& file : files)
+                const Descriptor made(file.create(".", "QEL_", ".xml"));
             std::filesystem::current_path("/");
             std::ofstream(dir.path("ready"));
             for (;;)

@@ -1,5 +1,6 @@
 #include "Wizard/Pages/EditPage.h"
 
+#include "Files/Descriptor.h"
 #include "Files/FileMessage.h"
 #include "Resources/StringTable.h"
 #include "Types/ReportText.h"
@@ -25,6 +26,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <utility>
 
@@ -307,13 +309,16 @@ void EditPage::OnEdit()
     if (row < 0)
         return;
     const CString name = types[static_cast<std::size_t>(row)]->queryName();
-    CString document, fileName;
+    CString document;
     types[static_cast<std::size_t>(row)]->asXML(document);
-    if (const int error = tempFiles.add(temporaryFolder(), document, fileName); error != 0) {
-        stay(cantOpen(fileName, fileCauseOf(error)), inWords(error));
+    TemporaryFile& file = tempFiles.emplace_back();
+    Descriptor out(file.create(temporaryFolder(), "QEL_", ".xml"));
+    if (!out.isOpen() || !out.write(document) || !out.close()) {
+        const int error = errno;
+        stay(cantOpen(file.queryName(), fileCauseOf(error)), inWords(error));
         return;
     }
-    showInViewer(fileName, this, [this, name, document] {
+    showInViewer(file.queryName(), this, [this, name, document] {
         (new DocumentWindow(sheet(), name, document, tr("No viewer for XML files could be started.")))->show();
     });
 }

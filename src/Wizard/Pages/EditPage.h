@@ -1,12 +1,13 @@
 #pragma once
 
-#include "Files/TemporaryFiles.h"
+#include "Files/TemporaryFile.h"
 #include "Types/TypeStructure.h"
 #include "Ui/ListRows.h"
 #include "Wizard/Pages/QELPage.h"
 #include "Wizard/Windows/DocumentWindow.h"
 
 #include <functional>
+#include <list>
 #include <memory>
 #include <vector>
 
@@ -79,5 +80,5 @@ private:
     std::shared_ptr<const TypeStructure> structure; // of `types`
     bool hasOwnDescriptions = false;                // some descriptions of `types` aren't generated from the names
     bool isWide = false;                            // the window has room for the pane beside the whole list
-    TemporaryFiles tempFiles;                       // documents given to viewers; deleted with the page
+    std::list<TemporaryFile> tempFiles;             // documents given to viewers; a list, because they can't be moved
 };
