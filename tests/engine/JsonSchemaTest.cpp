@@ -268,7 +268,7 @@ TEST_F(JsonSchema, ReportsWhatIsNotCarriedOver)
   "g\\h":{"type":"string"},"h":{"allOf":[{"type":"string"},{"type":"integer","maximum":9}]},"i":false,
   "j":{"oneOf":[{"properties":{"~/":{"type":"string"}}},{"properties":{"~/":{"type":"array"}}}]},
   "k":{"allOf":[{"enum":["x","y"]},{"enum":["x"]}]},
-  "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}]},
+  "m":{"allOf":[{"properties":{"w":{"type":"number","minimum":1}}},{"properties":{"w":{"type":"number","maximum":2}}}],"dependentRequired":{},"minContains":1,"maxContains":2},
   "n":{"$ref":"x.xsd"},"o":{"$ref":"r.avsc"},"p":{"anyOf":[{"type":"number"},{}]},
   "q":{"title":" ","description":"One. Two.","format":"uri","contentEncoding":"base64"},"s":{"const":"x\u0001","title":"S","description":"no"},"\ud800t":{}},
   "then":{"additionalProperties":{"type":"string"}}})"),
@@ -289,7 +289,7 @@ x.json:9:36: unknown type, imported as text: r.avsc in Avro at #/properties/o
 x.json:9:50: values of different kinds: #/properties/p
 x.json:6:37: values of different kinds: #/properties/j/oneOf/0/properties/~0~1
 
-38 details
+41 details
 x.json:10:144: name adjusted: �t
 x.json:5:97: part that may not occur: i at #/properties/i
 x.json:5:10: name adjusted: g\h is g_h
@@ -303,7 +303,7 @@ x.json:10:93: name adjusted: x  is x�
 1 document not well-formed
 1 key given twice
 22 optional parts
-6 facets
+9 facets
 3 names adjusted
 3 choices
 2 documentations cut short

@@ -302,6 +302,7 @@ std::optional<SourceTypes::Type> AvroTypes::leafOf(const std::vector<Scoped>& le
     bool isBytes = false;
     checkNames(leaves);
     for (const Scoped& leaf : leaves) {
+        report.count(SourceReport::facet, tree.hasAny(leaf.schema, {JsonWord::precision, JsonWord::size}));
         if (const auto kind = kindOf(leaf.schema))
             kinds.insert(*kind);
         else

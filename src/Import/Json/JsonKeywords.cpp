@@ -31,8 +31,8 @@ constexpr auto kKeywords = [] {
         rowOf(key).kinds = isText;
     for (const JsonWord key : {title, description})
         rowOf(key).kinds = isText | 1u << JsonNode::null; // of a key of YAML without a value
-    for (const JsonWord key :
-         {minimum, maximum, minLength, maxLength, multipleOf, minProperties, maxProperties, minItems, maxItems})
+    for (const JsonWord key : {minimum, maximum, minLength, maxLength, multipleOf, minProperties, maxProperties,
+                               minItems, maxItems, minContains, maxContains})
         rowOf(key).kinds = isNumber;
     for (const JsonWord key : {exclusiveMinimum, exclusiveMaximum})
         rowOf(key).kinds = isNumber | isFlag; // up to draft 4
@@ -41,16 +41,18 @@ constexpr auto kKeywords = [] {
     rowOf(required).kinds = isList | isFlag; // of a property, up to draft 3
     for (const JsonWord key : {allOf, oneOf, anyOf, prefixItems, enumWord})
         rowOf(key).kinds = isList;
-    for (const JsonWord key : {dependentSchemas, dependencies, properties, patternProperties, defs, definitions})
+    for (const JsonWord key :
+         {dependentSchemas, dependentRequired, dependencies, properties, patternProperties, defs, definitions})
         rowOf(key).kinds = isObject;
     for (const JsonWord key : {additionalProperties, unevaluatedProperties, additionalItems, unevaluatedItems, contains,
                                propertyNames, notWord})
         rowOf(key).kinds = isSchema;
     rowOf(items).kinds = isSchema | isList;
     rowOf(type).kinds = isText | isList;
-    for (const JsonWord key : {pattern, minimum, maximum, exclusiveMinimum, exclusiveMaximum, minLength, maxLength,
-                               multipleOf, minProperties, maxProperties, propertyNames, contains, notWord,
-                               contentSchema, contentEncoding, contentMediaType})
+    for (const JsonWord key :
+         {pattern, minimum, maximum, exclusiveMinimum, exclusiveMaximum, minLength, maxLength, multipleOf,
+          minProperties, maxProperties, propertyNames, contains, minContains, maxContains, dependentRequired, notWord,
+          contentSchema, contentEncoding, contentMediaType})
         rowOf(key).detail = SourceReport::facet;
     for (const JsonWord key : {minItems, maxItems, uniqueItems})
         rowOf(key).detail = SourceReport::occurrenceBounds;

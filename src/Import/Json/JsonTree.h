@@ -28,7 +28,8 @@
     WORD(uniqueItems) WORD(exclusiveMinimum) WORD(exclusiveMaximum) WORD(minProperties) WORD(maxProperties) \
     WORD(additionalItems) WORD(unevaluatedItems) WORD(contains) WORD(propertyNames) WORD(aliases) WORD(order) \
     WORD(traits) WORD(extends) WORD(additionalOperations) WORD(itemSchema) WORD(errors) \
-    WORD(contentSchema) WORD(contentEncoding) WORD(contentMediaType) WORD(size)
+    WORD(contentSchema) WORD(contentEncoding) WORD(contentMediaType) WORD(size) WORD(minContains) WORD(maxContains) \
+    WORD(dependentRequired) WORD(precision)
 
 // Words that aren't identifiers in C++, with their texts. Each list makes both the enumerators and the texts, so that
 // their orders agree.
